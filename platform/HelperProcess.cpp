@@ -1,0 +1,204 @@
+#include "HelperProcess.h"
+
+#include "EndSignals.h"
+#include "HelperPlace.h"
+#include "helper/HelperProtocol.h"
+#include "helper/HelperRequest.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+// Never looked for on the user's PATH.
+constexpr const char *pkexec = "/usr/bin/pkexec";
+
+/// What starts a process and takes more than this is broken; people don't wait in it.
+constexpr int answerLimit = 30000;
+constexpr int endLimit = 5000;
+
+void say(const std::string &line)
+{
+    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fflush(stderr);
+}
+
+/// Whether the descriptor has something, or its end, within the limit in milliseconds.
+bool isReadable(int descriptor, int limit)
+{
+    pollfd source{descriptor, POLLIN, 0};
+    int count = 0;
+    do {
+        count = poll(&source, 1, limit);
+    } while (count < 0 && errno == EINTR);
+    return count > 0;
+}
+
+/// This process's environment with messages in the language that they are told apart in.
+std::vector<char *> plainEnvironment()
+{
+    static char locale[] = "LC_ALL=C";
+    std::vector<char *> variables;
+    for (char **variable = environ; variable && *variable; ++variable) {
+        if (std::strncmp(*variable, "LC_ALL=", 7) != 0)
+            variables.push_back(*variable);
+    }
+    variables.push_back(locale);
+    variables.push_back(nullptr);
+    return variables;
+}
+
+/// Starts the helper, its standard input the one and its standard error the other descriptor. A negative id:
+/// errno.
+pid_t spawn(const std::string &helper, int input, int error)
+{
+    std::string program = geteuid() == 0 ? helper : pkexec;
+    std::string noTerminal = "--disable-internal-agent";
+    std::string own = helper;
+    std::vector<char *> argumentList{program.data()};
+    if (program == pkexec)
+        argumentList.insert(argumentList.end(), {noTerminal.data(), own.data()});
+    argumentList.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
+    pid_t child = -1;
+    const int failure = posix_spawn(
+        &child, program.c_str(), &actions, nullptr, argumentList.data(), plainEnvironment().data());
+    posix_spawn_file_actions_destroy(&actions);
+    errno = failure;
+    if (failure)
+        say(program + ": " + std::strerror(failure));
+    return failure ? -1 : child;
+}
+
+} // namespace
+
+OSStatus HelperProcess::start(const std::string &prompt)
+{
+    stop();
+    const std::string helper = helperPath();
+    if (isReplaceableByAnyone(helper)) {
+        say(helper
+            + " is not run with administrator rights, as any account of this computer could replace it.");
+        return errAuthorizationInternal;
+    }
+    int sockets[2];
+    int errorPipe[2];
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0)
+        return errAuthorizationInternal;
+    socket = Descriptor(sockets[0]);
+    Descriptor helperEnd(sockets[1]);
+    if (pipe2(errorPipe, O_CLOEXEC) != 0) {
+        socket.reset();
+        return errAuthorizationInternal;
+    }
+    const Descriptor errorEnd(errorPipe[0]);
+    Descriptor helperErrorEnd(errorPipe[1]);
+
+    const EndSignals endSignals;
+    process = spawn(helper, helperEnd.get(), helperErrorEnd.get());
+    helperEnd.reset();
+    helperErrorEnd.reset();
+    pollfd sources[] = {{socket.get(), POLLIN, 0}, {endSignals.descriptor(), POLLIN, 0}};
+    OSStatus status = errAuthorizationInternal;
+    if (process > 0) {
+        // As long as the user takes.
+        while (poll(sources, 2, -1) < 0 && errno == EINTR) { }
+        status = sources[1].revents ? errAuthorizationCanceled : awaitReady(errorEnd.get(), prompt);
+    }
+    if (status != errAuthorizationSuccess)
+        stop();
+    return status;
+}
+
+OSStatus HelperProcess::awaitReady(int errorEnd, const std::string &prompt)
+{
+    HelperReply reply;
+    if (recv(socket.get(), &reply, sizeof reply, 0) == sizeof reply)
+        return reply.status;
+    return statusOfFailedStart(errorEnd, prompt);
+}
+
+/// pkexec has ended: its exit status tells a dismissal from a refusal, and its message that it had no one to
+/// ask.
+OSStatus HelperProcess::statusOfFailedStart(int errorEnd, const std::string &prompt)
+{
+    constexpr int dismissed = 126;
+    constexpr int notAuthorized = 127;
+    int ending = 0;
+    while (waitpid(process, &ending, 0) < 0 && errno == EINTR) { }
+    process = -1;
+
+    char said[4096] = "";
+    fcntl(errorEnd, F_SETFL, O_NONBLOCK);
+    if (read(errorEnd, said, sizeof said - 1) > 0)
+        std::fputs(said, stderr);
+    if (std::strstr(said, "No authentication agent found")) {
+        say(prompt + " No authentication agent is running that could ask for an administrator's password.");
+        return errAuthorizationInteractionNotAllowed;
+    }
+    if (WIFEXITED(ending) && WEXITSTATUS(ending) == dismissed)
+        return errAuthorizationCanceled;
+    if (WIFEXITED(ending) && WEXITSTATUS(ending) == notAuthorized)
+        return errAuthorizationDenied;
+    say("The helper for administrator rights ended before it was ready.");
+    return errAuthorizationInternal;
+}
+
+void HelperProcess::stop()
+{
+    const bool wasConnected = bool(socket);
+    if (wasConnected)
+        shutdown(socket.get(), SHUT_WR);
+    if (process > 0) {
+        // Reaches pkexec while it asks; the helper itself ends with the socket.
+        kill(process, SIGTERM);
+        const bool hasEnded = isReadable(socket.get(), endLimit);
+        while (waitpid(process, nullptr, hasEnded ? 0 : WNOHANG) < 0 && errno == EINTR) { }
+        process = -1;
+    }
+    socket.reset();
+}
+
+bool HelperProcess::isRunning() const
+{
+    return socket && !isReadable(socket.get(), 0);
+}
+
+OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, int connection)
+{
+    std::string packet = packRequest(tool, arguments);
+    iovec span{packet.data(), packet.size()};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof connection)] = {};
+    msghdr message{};
+    message.msg_iov = &span;
+    message.msg_iovlen = 1;
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
+    cmsghdr *header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = SOL_SOCKET;
+    header->cmsg_type = SCM_RIGHTS;
+    header->cmsg_len = CMSG_LEN(sizeof connection);
+    std::memcpy(CMSG_DATA(header), &connection, sizeof connection);
+
+    HelperReply reply;
+    if (sendmsg(socket.get(), &message, MSG_NOSIGNAL) < 0 || !isReadable(socket.get(), answerLimit)
+        || recv(socket.get(), &reply, sizeof reply, 0) != sizeof reply) {
+        say("The helper for administrator rights has ended.");
+        return errAuthorizationInternal;
+    }
+    if (reply.status != errAuthorizationSuccess)
+        say(reply.reason);
+    return reply.status;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Descriptor.h"
+
+#include <Security/Authorization.h>
+
+#include <string>
+
+/// The helper that runs tools as root, from its start to its end with this object. Its user is authenticated
+/// when it starts, unless this process is root already.
+class HelperProcess {
+public:
+    HelperProcess() = default;
+    ~HelperProcess() { stop(); }
+    HelperProcess(const HelperProcess &) = delete;
+    HelperProcess &operator=(const HelperProcess &) = delete;
+
+    /// Starts it and waits for its word that it is ready. The result is a status of AuthorizationCopyRights;
+    /// `prompt` opens the line on standard error that says that nothing here can ask.
+    OSStatus start(const std::string &prompt);
+    void stop();
+
+    bool wasStarted() const { return bool(socket); }
+    bool isRunning() const;
+
+    /// Has the tool started on the connection; a status of AuthorizationExecuteWithPrivileges.
+    OSStatus runTool(const char *tool, char *const *arguments, int connection);
+
+private:
+    OSStatus awaitReady(int errorEnd, const std::string &prompt);
+    OSStatus statusOfFailedStart(int errorEnd, const std::string &prompt);
+
+    Descriptor socket;
+    pid_t process = -1;
+};
