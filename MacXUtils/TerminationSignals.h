@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+
+class QSocketNotifier;
+
+/// Turns SIGTERM, SIGINT and SIGHUP, which end a session, into a signal of the event loop, and ignores
+/// SIGPIPE from then on. One object, made on the main thread after the application object; a signal that the
+/// process was started to ignore stays ignored.
+class TerminationSignals : public QObject {
+    Q_OBJECT
+
+public:
+    TerminationSignals();
+    ~TerminationSignals() override;
+
+    /// Whether the process was asked to end. Any thread.
+    static bool received();
+
+signals:
+    /// The process was asked to end. Comes again every tenth of a second until it has ended, so that a window
+    /// that opens meanwhile is seen too.
+    void requested();
+
+private:
+    void announce();
+
+    QSocketNotifier *notifier = nullptr;
+};

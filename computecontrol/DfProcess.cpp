@@ -1,0 +1,45 @@
+#include "DfProcess.h"
+
+#include "MacXUtils/TerminationSignals.h"
+#include "ToolStart.h"
+
+#include <QDeadlineTimer>
+#include <QStringList>
+
+CDfProcess::CDfProcess(QObject *parent)
+    : QProcess(parent)
+{
+}
+
+void CDfProcess::Run(const QString &folder)
+{
+    startTool(*this, QStringLiteral("df"), {QStringLiteral("-k"), folder});
+}
+
+qint64 CDfProcess::TotalAvailable()
+{
+    constexpr int slice = 50;
+    const QDeadlineTimer limit(50000);
+    while (!waitForFinished(slice)) {
+        const bool waits = error() == QProcess::Timedout && state() != QProcess::NotRunning;
+        if (waits && !limit.hasExpired() && !TerminationSignals::received())
+            continue;
+        if (state() == QProcess::Running)
+            kill();
+        return 0;
+    }
+    return availableMegabytes(readAllStandardOutput());
+}
+
+qint64 CDfProcess::availableMegabytes(const QByteArray &output)
+{
+    const QList<QByteArray> lines = output.split('\n');
+    if (lines.size() < 2)
+        return 0;
+    // constData() ends the text at the first NUL byte.
+    const QStringList fields =
+        QString::fromUtf8(lines.at(1).constData()).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    if (fields.size() < 4)
+        return 0;
+    return fields.at(3).toLongLong() / 1024;
+}
