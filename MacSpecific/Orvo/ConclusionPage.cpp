@@ -1,0 +1,254 @@
+#include "ConclusionPage.h"
+
+#include "Announcement.h"
+#include "CopyThread.h"
+#include "EndWorker.h"
+#include "FittedText.h"
+#include "InstallState.h"
+#include "MacXUtils/Logging.h"
+#include "computecontrol/CorvaneInstallUtils.h"
+#include "macos/MacDoAuthorizedCommand.h"
+#include "macos/MacWriteGlobalDefaultSetting.h"
+
+#include <QHBoxLayout>
+#include <QPalette>
+#include <QProgressBar>
+#include <QTimer>
+#include <QVariant>
+#include <QWizard>
+
+#include <cerrno>
+#include <cstdio>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
+constexpr char defaultDestination[] = "/Library/Application Support/Brindlewerks/Lumetra";
+constexpr int failure = -100;
+/// How long a worker that was asked to stop may take, in milliseconds: a little more than it gives a tool
+/// that hangs. After it the worker itself is held up, by a disk that no longer answers.
+constexpr int stopLimit = 35000;
+
+/// What the user is told before the password is asked for, with the purpose in the installer's words.
+QString privilegeReason(const char *purpose)
+{
+    return QStringLiteral("Lumetra Database Installer"
+                          " needs to enable privileges to "
+                          "%1"
+                          "\n\n"
+                          "You will be asked to provide the name and password "
+                          "of a user that has administrative capabilities for this computer.")
+        .arg(QLatin1String(purpose));
+}
+
+/// Black or white, whichever stands out from `colour`: many a theme's own text doesn't.
+QColor textOver(const QColor &colour)
+{
+    return qGray(colour.rgb()) > 110 ? Qt::black : Qt::white;
+}
+
+} // namespace
+
+ConclusionPage::ConclusionPage(QWidget *parent)
+    : QWizardPage(parent)
+{
+    progressBar = new QProgressBar;
+    progressBar->setRange(0, 100);
+    progressBar->setAccessibleName(QStringLiteral("Files installed"));
+    QPalette colours = progressBar->palette();
+    colours.setColor(QPalette::HighlightedText, textOver(colours.color(QPalette::Highlight)));
+    progressBar->setPalette(colours);
+    auto *layout = new QHBoxLayout;
+    layout->addWidget(progressBar);
+    setLayout(layout);
+}
+
+ConclusionPage::~ConclusionPage()
+{
+    if (copyThread)
+        endWorker(copyThread, complete ? 1000 : stopLimit);
+}
+
+void ConclusionPage::setVisible(bool visible)
+{
+    QWizardPage::setVisible(visible);
+    if (!visible)
+        return;
+    setTitle(tr("Installing Database"));
+    setSubTitle(sCopyFiles
+            ? QStringLiteral("Moving database files.")
+            : QStringLiteral("Installing database. (This will take %1.)").arg(QStringLiteral("2-3 minutes")));
+    path = field(QStringLiteral("path")).toString();
+    if (path.isEmpty())
+        path = QLatin1String(defaultDestination);
+    // Emptying the mandatory field makes the wizard look at its buttons again and keep Finish disabled.
+    setField(QStringLiteral("path"), QString());
+    QTimer::singleShot(1000, this, &ConclusionPage::doCopy);
+}
+
+bool ConclusionPage::isComplete() const
+{
+    return complete;
+}
+
+int ConclusionPage::nextId() const
+{
+    return -1;
+}
+
+bool ConclusionPage::stopInstallation()
+{
+    if (!begun || complete)
+        return false;
+    if (!stopRequested && copyThread) {
+        copyThread->requestInterruption();
+        QTimer::singleShot(stopLimit, this, &ConclusionPage::handleResult);
+    }
+    stopRequested = true;
+    return true;
+}
+
+void ConclusionPage::doCopy()
+{
+    if (begun || !isVisible())
+        return;
+    begun = true;
+    gSystemScope = true;
+    if (prepareDestination() && !stopRequested)
+        startCopying();
+    else
+        handleResult();
+}
+
+/// Sees to it that the destination exists and can be written. False when that failed, with errCode and errMsg
+/// set.
+bool ConclusionPage::prepareDestination()
+{
+    const QByteArray folder = path.toUtf8();
+    if (access(folder.constData(), W_OK) == 0)
+        return true;
+    gPrivilegeReason = privilegeReason("install the database in the selected location.");
+    if (path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive)) {
+        privileged = true;
+        if (verifyResourceDirectory(productFolder, "Lumetra") != 0) {
+            resultSet(failure,
+                QStringLiteral("Lumetra Database Installer was not able to access the selected location."));
+            return false;
+        }
+    } else if (mkdir(folder.constData(), 0755) != 0 && !makeFolderWithRights()) {
+        resultSet(failure,
+            QStringLiteral(
+                "Lumetra Database Installer was not able to write the database to the selected location."));
+        return false;
+    }
+    // Administrator rights aren't held through a long copy; a move is over at once.
+    if (gMacAuthorizationRef && !sCopyFiles)
+        freeAuthority(&gMacAuthorizationRef);
+    return true;
+}
+
+bool ConclusionPage::makeFolderWithRights()
+{
+    if (!gMacAuthorizationRef && establishPrivsForSetup() != 0)
+        return false;
+    const std::string folder = path.toStdString();
+    struct stat status;
+    const bool isNew = lstat(folder.c_str(), &status) != 0 && errno == ENOENT;
+    char mode[16];
+    std::snprintf(mode, sizeof mode, "%o", 0755);
+    if (!runCommandWithAuthority(gMacAuthorizationRef, "/bin/mkdir", {"-m", mode, folder})) {
+        log_msg("doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n", "-m", mode, folder.c_str());
+        return false;
+    }
+    // A new folder is the superuser's now, but the tools that fill it run as the user. One that was there
+    // already, which mkdir says by itself, isn't given away.
+    std::string owner = std::to_string(getuid());
+    if (gAdminGid != static_cast<gid_t>(-1))
+        owner += ":" + std::to_string(gAdminGid);
+    if (isNew && !runCommandWithAuthority(gMacAuthorizationRef, "/usr/sbin/chown", {owner, folder})) {
+        log_msg(
+            "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s) failed\n", owner.c_str(), folder.c_str());
+        return false;
+    }
+    privileged = true;
+    return true;
+}
+
+void ConclusionPage::startCopying()
+{
+    copyThread = new CopyThread(this, path);
+    connect(copyThread, &CopyThread::finished, this, &ConclusionPage::handleResult);
+    connect(copyThread, &CopyThread::copiedFile, this, &ConclusionPage::moveBar);
+    connect(copyThread, &CopyThread::copyResult, this, &ConclusionPage::resultSet);
+    progressBar->setMaximum(sResultList.size());
+    progressBar->setFormat(QStringLiteral("%v of %m"));
+    copyThread->start(QThread::InheritPriority);
+}
+
+void ConclusionPage::handleResult()
+{
+    if (complete)
+        return;
+    complete = true;
+    // A screen reader reaches the button also while the prompt below stands.
+    wizard()->setOption(QWizard::NoCancelButton);
+    if (stopRequested)
+        resultSet(errAuthorizationCanceled, QString());
+    if (errCode == 0) {
+        recordDestination();
+    } else {
+        setTitle(tr("Database was not installed"));
+        if (errCode == errAuthorizationCanceled)
+            setSubTitle(tr("Cancel was pressed."));
+        else if (errCode == errAuthorizationDenied)
+            setSubTitle(tr("The username entered does not have admin privileges."));
+        else if (errCode == failure)
+            setSubTitle(fittedText(errMsg, this));
+        else
+            setSubTitle(QStringLiteral("A MacOS error occured (%1)").arg(errCode));
+    }
+    announce(this);
+    setField(QStringLiteral("path"), path);
+    progressBar->setRange(0, 100);
+    progressBar->hide();
+}
+
+void ConclusionPage::recordDestination()
+{
+    gPrivilegeReason = privilegeReason("make the database readable for all users.");
+    if (!gMacAuthorizationRef && establishPrivsForSetup() != 0) {
+        setTitle(tr("Database was installed, but is not available"));
+        setSubTitle(QStringLiteral("System-wide preferences could not be set"));
+        return;
+    }
+    MacWriteGlobalDefaultSetting(CFSTR("com.brindle.CorvaneLumetra"), "LumetraFullDatabasePath",
+        path.toUtf8().constData(), gMacAuthorizationRef);
+    if (privileged)
+        fixupPrivileges();
+    setTitle(tr("Database Installed"));
+    setSubTitle(tr("The Corvane Lumetra Database is now ready for use."));
+}
+
+bool ConclusionPage::fixupPrivileges()
+{
+    const std::string folder = path.toUtf8().left(4095).toStdString();
+    if (runCommandWithAuthority(gMacAuthorizationRef, "/bin/chmod", {"0775", folder}))
+        return true;
+    std::fprintf(stderr, "fixupPrivileges: Unable to revert permission on directory %s\n", folder.c_str());
+    std::fflush(stderr);
+    return false;
+}
+
+void ConclusionPage::moveBar(int barValue)
+{
+    progressBar->setValue(barValue);
+}
+
+void ConclusionPage::resultSet(int code, QString text)
+{
+    errCode = code;
+    errMsg = text;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+#include <QWizardPage>
+
+class CopyThread;
+class QProgressBar;
+
+/// Prepares the destination, has the files copied or moved, records the destination in the computer-wide
+/// preference and shows the outcome.
+class ConclusionPage : public QWizardPage {
+    Q_OBJECT
+
+public:
+    explicit ConclusionPage(QWidget *parent = nullptr);
+    /// Stops a running installation and waits for its end, unless the disk holds it up.
+    ~ConclusionPage() override;
+
+    void setVisible(bool visible) override;
+    bool isComplete() const override;
+    int nextId() const override;
+
+    /// Asks a running installation to stop, after which the page shows that as the outcome, at the latest
+    /// when the worker doesn't answer. False when none runs: it hasn't begun, and then won't any more once
+    /// the page is hidden, or its outcome is shown.
+    bool stopInstallation();
+
+private slots:
+    void doCopy();
+    void handleResult();
+    void moveBar(int barValue);
+    void resultSet(int errCode, QString errMsg);
+
+private:
+    bool prepareDestination();
+    bool makeFolderWithRights();
+    void startCopying();
+    void recordDestination();
+    bool fixupPrivileges();
+
+    QString errMsg;
+    bool complete = false;
+    bool privileged = false;
+    int errCode = 0;
+    QString path;
+    QProgressBar *progressBar;
+    CopyThread *copyThread = nullptr;
+    bool begun = false;
+    bool stopRequested = false;
+};

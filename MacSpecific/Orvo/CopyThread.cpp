@@ -1,0 +1,125 @@
+#include "CopyThread.h"
+
+#include "InstallState.h"
+#include "PartWrittenFile.h"
+#include "computecontrol/ToolStart.h"
+
+#include <QDeadlineTimer>
+#include <QProcess>
+
+#include <cstdio>
+
+#include <Security/Authorization.h>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr int failure = -100;
+/// How soon an interruption is noticed, in milliseconds.
+constexpr int slice = 50;
+/// How long a running move may take once the installation was interrupted: a rename takes none of it, and
+/// only a tool that hangs all of it.
+constexpr int moveGrace = 30000;
+
+QString errorSuffix(QProcess::ProcessError error)
+{
+    switch (error) {
+    case QProcess::FailedToStart:
+        return QStringLiteral(" failed to start.");
+    case QProcess::Crashed:
+        return QStringLiteral(" crashed.");
+    case QProcess::Timedout:
+        return QStringLiteral(" no response.");
+    case QProcess::ReadError:
+        return QStringLiteral(" read error.");
+    case QProcess::WriteError:
+        return QStringLiteral(" write error.");
+    default:
+        return QStringLiteral(" unknown error.");
+    }
+}
+
+} // namespace
+
+CopyThread::CopyThread(QObject *parent, QString destination)
+    : QThread(parent)
+    , path(std::move(destination))
+{
+}
+
+QString CopyThread::getPath()
+{
+    return path;
+}
+
+void CopyThread::run()
+{
+    unpriviledgedCopy();
+}
+
+void CopyThread::unpriviledgedCopy()
+{
+    QProcess tool;
+    const QString program = sCopyFiles ? QStringLiteral("/bin/mv") : QStringLiteral("/bin/cp");
+    emit copyResult(failure, QStringLiteral("The source database data files couldn't be found."));
+    umask(022);
+    int done = 0;
+    const QList<QFileInfo> files = sResultList;
+    for (const QFileInfo &file : files) {
+        if (isInterruptionRequested() || !copyFile(tool, program, file.absoluteFilePath()))
+            break;
+        emit copyResult(0, QString());
+        emit copiedFile(++done);
+    }
+    if (isInterruptionRequested())
+        emit copyResult(errAuthorizationCanceled, QString());
+}
+
+/// Runs the tool for one file. False when the file failed, which has been reported then, or was interrupted.
+bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString &file)
+{
+    const PartWrittenFile destination(file, path);
+    QStringList arguments{file, getPath() + QLatin1Char('/')};
+    if (!sCopyFiles)
+        arguments.prepend(QStringLiteral("-pf"));
+    const bool started = startTool(tool, program, arguments);
+    if (!started || !waitForTool(tool)) {
+        const QString message =
+            program + QLatin1Char(':') + errorSuffix(started ? tool.error() : QProcess::FailedToStart);
+        if (tool.state() != QProcess::NotRunning) {
+            tool.kill();
+            tool.waitForFinished(-1);
+        }
+        destination.remove(sCopyFiles);
+        emit copyResult(failure, message);
+        return false;
+    }
+    // Whatever the exit code, a tool that says nothing has done its work.
+    const QByteArray complaint = tool.readAllStandardError();
+    if (complaint.isEmpty())
+        return true;
+    destination.remove(sCopyFiles);
+    std::fprintf(stderr, "Lumetra Installer: %s", complaint.constData());
+    std::fflush(stderr);
+    emit copyResult(
+        failure, QStringLiteral("Error message is:\n") + QString::fromUtf8(complaint.constData()));
+    return false;
+}
+
+/// Waits for the tool without a limit, in slices so that an interruption is noticed. False when the wait
+/// failed, the tool crashed or has to be killed.
+bool CopyThread::waitForTool(QProcess &tool)
+{
+    QDeadlineTimer grace(QDeadlineTimer::Forever);
+    while (!tool.waitForFinished(slice)) {
+        if (tool.error() != QProcess::Timedout || tool.state() == QProcess::NotRunning)
+            return false;
+        if (!isInterruptionRequested())
+            continue;
+        if (!sCopyFiles || grace.hasExpired())
+            return false;
+        if (grace.isForever())
+            grace.setRemainingTime(moveGrace);
+    }
+    return tool.error() != QProcess::Crashed;
+}

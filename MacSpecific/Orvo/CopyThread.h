@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QThread>
+
+class QProcess;
+
+/// Puts the files of sResultList into the destination folder on a thread of its own, with one run of the copy
+/// or move tool a file, until the list is done, a file fails or the thread's interruption is requested. An
+/// interruption ends a running copy at once; a running move may finish.
+class CopyThread : public QThread {
+    Q_OBJECT
+
+public:
+    /// `path` is the destination folder, which exists and can be written.
+    CopyThread(QObject *parent, QString path);
+
+    void unpriviledgedCopy();
+    QString getPath();
+
+signals:
+    /// The number of files done so far.
+    void copiedFile(int index);
+    /// The result as it stands, replacing the one before: 0 a file done, -100 a failure or nothing done with
+    /// a readable text, -60006 interrupted.
+    void copyResult(int errCode, QString errMsg);
+
+protected:
+    void run() override;
+
+private:
+    bool copyFile(QProcess &tool, const QString &program, const QString &file);
+    bool waitForTool(QProcess &tool);
+
+    const QString path;
+};

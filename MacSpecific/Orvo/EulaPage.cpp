@@ -1,0 +1,64 @@
+#include "EulaPage.h"
+
+#include "core/GetPathName.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QTextBrowser>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace {
+
+QUrl agreementUrl()
+{
+    const std::string path = GetInstallPath() + "/Contents/Resources/LicenseAgreement.html";
+    // Encoded, since "#", "?" and "%" may stand in a folder's name and mean something else in a URL.
+    const QByteArray encoded = QUrl::toPercentEncoding(QString::fromStdString(path), "/");
+    return QUrl(QString::fromLatin1(encoded), QUrl::TolerantMode);
+}
+
+} // namespace
+
+EulaPage::EulaPage(QWidget *parent)
+    : QWizardPage(parent)
+{
+    setTitle(tr("Welcome to the Corvane Lumetra Database Installer"));
+
+    auto *browser = new QTextBrowser;
+    browser->setAccessibleName(QStringLiteral("License Agreement"));
+    browser->setSource(agreementUrl());
+
+    auto *label = new QLabel(QStringLiteral(
+        "If you accept the terms of the agreement, click the check box below.  You must accept the "
+        "agreement to install the Corvane Lumetra Database."));
+    label->setWordWrap(true);
+
+    acceptBox = new QCheckBox(QStringLiteral("I accept the terms in the License Agreement"));
+    acceptBox->setChecked(false);
+    connect(acceptBox, &QCheckBox::clicked, this, &EulaPage::OnLicenseAccepted);
+    // A screen reader toggles the box without a click.
+    connect(acceptBox, &QCheckBox::toggled, this, &EulaPage::completeChanged);
+    label->setBuddy(acceptBox);
+
+    auto *layout = new QVBoxLayout;
+    layout->addWidget(browser);
+    layout->addWidget(label);
+    layout->addWidget(acceptBox);
+    setLayout(layout);
+}
+
+bool EulaPage::isComplete() const
+{
+    return acceptBox->isChecked();
+}
+
+int EulaPage::nextId() const
+{
+    return 0;
+}
+
+void EulaPage::OnLicenseAccepted(bool)
+{
+    emit completeChanged();
+}

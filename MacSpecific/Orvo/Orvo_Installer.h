@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWizard>
+
+#include <string>
+
+class ConclusionPage;
+
+/// The installer's window: agreement, source, destination and install page, in this order.
+class Orvo_Installer : public QWizard {
+    Q_OBJECT
+
+public:
+    /// Opens the log when it is asked for, looks up the group "admin" and builds the pages, of which the
+    /// source page starts to measure the database at once.
+    explicit Orvo_Installer(QWidget *parent = nullptr);
+
+    /// Sets the window title to `title` in UTF-8, or to the default title when it is empty.
+    void SetWindowTitle(const std::string &title);
+
+    /// Cancel, Escape and the window's close button: closes the window, but while the installation runs stops
+    /// it first, and the window stays to show the outcome.
+    void reject() override;
+
+private:
+    ConclusionPage *installPage = nullptr;
+};
+
+/// The application's main window; null until main has made it.
+extern Orvo_Installer *install_wizard;
+
+/// Returns install_wizard, for code that needs a parent window.
+QWidget *GetMainWindow();

@@ -1,0 +1,154 @@
+#include "PickDestPage.h"
+
+#include "ButtonRow.h"
+#include "FittedText.h"
+#include "InstallState.h"
+#include "SourcePage.h"
+#include "computecontrol/DfProcess.h"
+#include "core/MountedDevice.h"
+
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVariant>
+#include <QWizard>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr char systemFolder[] = "/Library/Application Support";
+constexpr qint64 bytesPerMegabyte = 1000000;
+
+/// The folder whose file system the destination will lie on, and which exists before it.
+QString probeFolderOf(const QString &path)
+{
+    if (path.startsWith(QLatin1String(systemFolder)))
+        return QLatin1String(systemFolder);
+    const int slash = path.lastIndexOf(QLatin1Char('/'));
+    return slash == 0 ? path : path.left(slash);
+}
+
+/// Whether the first data file and the folder lie on the same mounted device. A device that can't be named is
+/// the same as none.
+bool onSourceDevice(const QString &folder)
+{
+    if (sResultList.isEmpty())
+        return false;
+    char source[MountedDeviceNameSize];
+    char destination[MountedDeviceNameSize];
+    return mountedDevice(sResultList.first().absoluteFilePath().toUtf8().constData(), source)
+        && mountedDevice(folder.toUtf8().constData(), destination)
+        && std::strncmp(source, destination, MountedDeviceNameSize) == 0;
+}
+
+/// The bytes that `size` exceeds the available megabytes by; negative when they fit.
+qint64 shortfall(quint64 size, qint64 availableMegabytes)
+{
+    constexpr qint64 limit = std::numeric_limits<qint64>::max() / bytesPerMegabyte;
+    const qint64 available = std::clamp(availableMegabytes, -limit, limit) * bytesPerMegabyte;
+    const double missing = static_cast<double>(size) - static_cast<double>(available);
+    // The largest double below 2^63: a source of sparse files can claim more.
+    return static_cast<qint64>(std::min(missing, 9223372036854774784.0));
+}
+
+QString amountText(qint64 bytes)
+{
+    struct Unit {
+        qint64 bytes;
+        const char *format;
+    };
+    constexpr Unit units[] = {{1000000000, "%1 GB"}, {1000000, "%1 MB"}, {1000, "%1 KB"}};
+    const Unit *unit = std::find_if(
+        std::begin(units), std::end(units) - 1, [bytes](const Unit &each) { return bytes > each.bytes; });
+    return QString::fromLatin1(unit->format).arg(static_cast<double>(bytes / unit->bytes), 0, 'f', 2);
+}
+
+} // namespace
+
+PickDestPage::PickDestPage(QWidget *parent)
+    : QWizardPage(parent)
+{
+    chooseButton = new QPushButton(tr("Choose..."));
+    chooseButton->setAccessibleDescription(QStringLiteral("Picks another location for the database"));
+    // Return means Continue here, wherever the focus is.
+    chooseButton->setAutoDefault(false);
+    connect(chooseButton, &QPushButton::clicked, this, &PickDestPage::chooseDestination);
+
+    registerField(QStringLiteral("path*"), &pathEdit);
+    pathEdit.setVisible(false);
+
+    setLayout(buttonRow(chooseButton));
+}
+
+void PickDestPage::setVisible(bool visible)
+{
+    QWizardPage::setVisible(visible);
+    if (!visible)
+        return;
+    setTitle(tr("Select Database location"));
+    showDestination(QStringLiteral("/Library/Application Support/Brindlewerks/Lumetra"));
+    chooseButton->setVisible(true);
+    chooseButton->setDefault(false);
+}
+
+void PickDestPage::initializePage() { }
+
+bool PickDestPage::validatePage()
+{
+    const auto *sourcePage = static_cast<const SourcePage *>(wizard()->page(0));
+    const QString probeFolder = probeFolderOf(field(QStringLiteral("path")).toString());
+    sCopyFiles = onSourceDevice(probeFolder);
+    if (!sCopyFiles)
+        return roomForCopy(probeFolder, sourcePage->dbSize);
+    setSubTitle(QStringLiteral("The files will be moved to the selected location."));
+    return true;
+}
+
+int PickDestPage::nextId() const
+{
+    return 3;
+}
+
+void PickDestPage::chooseDestination()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, QStringLiteral("Select Database destination"),
+            qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
+    if (folder.isEmpty())
+        return;
+    const QString base = folder + QLatin1Char('/');
+    const QString name = QStringLiteral("Lumetra");
+    QString candidate = base + name;
+    for (int n = 0; access(candidate.toUtf8().constData(), F_OK) == 0; ++n)
+        candidate = QStringLiteral("%1%2_%3").arg(base, name, QString::number(n));
+    showDestination(candidate);
+    if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))
+        next->setDefault(true);
+}
+
+void PickDestPage::showDestination(const QString &path)
+{
+    pathEdit.setText(path);
+    setSubTitle(
+        QStringLiteral("The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or "
+                       "\"Choose\" to select another location.")
+            .arg(fittedText(pathEdit.text(), this)));
+}
+
+bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
+{
+    CDfProcess probe;
+    probe.Run(probeFolder);
+    const qint64 missing = shortfall(size, probe.TotalAvailable());
+    if (missing < 0)
+        return true;
+    setSubTitle(QStringLiteral("The selected disk does not have enough free space to store the database (%1 "
+                               "additional needed). Please select another location.")
+                    .arg(amountText(missing)));
+    return false;
+}

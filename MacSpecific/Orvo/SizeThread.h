@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QFileInfo>
+#include <QList>
+#include <QString>
+#include <QThread>
+
+/// Measures a folder's data files on a thread of its own and lists them in sResultList. Ends early when its
+/// interruption is requested, without a result.
+class SizeThread : public QThread {
+    Q_OBJECT
+
+public:
+    SizeThread(QObject *parent, QString path);
+
+    /// Scans the folder `path` in depth and appends its data files to `list`, every folder's entries in the
+    /// order of their names in lower case. Returns the files' total size in bytes; folders that can't be read
+    /// count 0.
+    quint64 dirSize(const QString &path, QList<QFileInfo> &list);
+
+signals:
+    /// The scan's only and last act, with the folder and the total in bytes.
+    void pathSize(QString path, quint64 totalSize);
+
+protected:
+    void run() override;
+
+private:
+    quint64 scanTotal = 0;
+    const QString scanPath;
+};

@@ -1,0 +1,151 @@
+#include "SourcePage.h"
+
+#include "ButtonRow.h"
+#include "EndWorker.h"
+#include "FittedText.h"
+#include "SizeThread.h"
+#include "core/GetPathName.h"
+
+#include <QBoxLayout>
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QWizard>
+
+#include <unistd.h>
+
+namespace {
+
+/// How long an interrupted scan may take to notice, in milliseconds. It does between two entries, so that
+/// only a disk that no longer answers holds it up.
+constexpr int scanLimit = 5000;
+
+QString gigabytes(quint64 bytes)
+{
+    return QString::number(static_cast<double>(bytes) / 1000000000.0, 'f', 2);
+}
+
+} // namespace
+
+SourcePage::SourcePage(QWidget *parent)
+    : QWizardPage(parent)
+{
+    setTitle(tr("Welcome to the Corvane Lumetra Database Installer"));
+
+    findButton = new QPushButton(tr("Find data files.."));
+    findButton->setAccessibleDescription(QStringLiteral("Picks the folder that holds the database"));
+    connect(findButton, &QPushButton::clicked, this, &SourcePage::chooseSource);
+    statusLabel = new QLabel;
+    statusLabel->setWordWrap(true);
+    statusLabel->setTextFormat(Qt::PlainText);
+
+    auto *layout = new QVBoxLayout;
+    layout->addWidget(statusLabel);
+    layout->addLayout(buttonRow(findButton));
+    setLayout(layout);
+    findButton->hide();
+
+    std::string location = GetInstallPath() + "/../Lumetra";
+    if (access(location.c_str(), F_OK) != 0)
+        location = "/Volumes/USB DISK/Lumetra";
+    if (access(location.c_str(), F_OK) != 0) {
+        statusLabel->setText(QStringLiteral(
+            "The Lumetra database source folder was not found.\nPlease press \"Find data files\" to "
+            "locate the \"Lumetra\" database source files folder."));
+        offerChoice();
+        return;
+    }
+    startScan(QString::fromStdString(location), &SourcePage::updateDBSize);
+}
+
+SourcePage::~SourcePage()
+{
+    if (sizeThread)
+        endWorker(sizeThread, scanLimit);
+}
+
+bool SourcePage::isComplete() const
+{
+    return !sourceMissing;
+}
+
+int SourcePage::nextId() const
+{
+    return 2;
+}
+
+void SourcePage::updateDBSize(QString, quint64 finishedSize)
+{
+    statusLabel->setText(QStringLiteral(
+        "This Installer will copy or move the Corvane Lumetra Database from the source folders to "
+        "your hard disk.\n\nThe databases will occupy approximately %1 GB  of additional disk space.")
+                             .arg(gigabytes(finishedSize)));
+    dbSize = finishedSize;
+    setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
+    disposeOfScanner();
+    if (finishedSize > 0)
+        acceptSource();
+    else
+        offerChoice();
+}
+
+void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
+{
+    const QString name = fittedText(QDir(path).dirName(), this);
+    dbSize = finishedSize;
+    disposeOfScanner();
+    if (finishedSize > 0) {
+        statusLabel->setText(QStringLiteral(
+            "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard "
+            "disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
+                                 .arg(name, gigabytes(finishedSize)));
+        setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
+        acceptSource();
+        return;
+    }
+    statusLabel->setText(QStringLiteral(
+        "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the "
+        "\"Lumetra\" database source files folder.")
+                             .arg(name));
+    offerChoice();
+}
+
+void SourcePage::chooseSource()
+{
+    const QString folder = QFileDialog::getExistingDirectory(this,
+        QStringLiteral("Select Database directory"), qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
+    if (!folder.isEmpty())
+        startScan(folder, &SourcePage::customDBSourceLocation);
+    statusLabel->setText(QStringLiteral("Scanning..."));
+}
+
+void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
+{
+    findButton->setEnabled(false);
+    sizeThread = new SizeThread(this, folder);
+    connect(sizeThread, &SizeThread::pathSize, this, resultSlot);
+    sizeThread->start(QThread::InheritPriority);
+}
+
+void SourcePage::acceptSource()
+{
+    sourceMissing = false;
+    findButton->hide();
+    findButton->setDefault(false);
+    emit completeChanged();
+}
+
+void SourcePage::offerChoice()
+{
+    findButton->setEnabled(true);
+    findButton->show();
+}
+
+void SourcePage::disposeOfScanner()
+{
+    // The result is the thread's last act, but the thread itself ends a moment later.
+    sizeThread->wait();
+    delete sizeThread;
+    sizeThread = nullptr;
+}
