@@ -1,0 +1,15 @@
+configure_file(Installer.icns "${BUNDLE_CONTENTS}/Resources/Installer.icns" COPYONLY)
+
+get_filename_component(qt_bin_folder "${Qt5_DIR}/../../../bin" ABSOLUTE)
+find_program(MACDEPLOYQT macdeployqt HINTS "${qt_bin_folder}" REQUIRED)
+
+install(DIRECTORY "${CMAKE_BINARY_DIR}/${BUNDLE_NAME}.app" DESTINATION . USE_SOURCE_PERMISSIONS)
+install(CODE "execute_process(
+    COMMAND \"${MACDEPLOYQT}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\"
+    COMMAND_ERROR_IS_FATAL ANY)")
+
+set(CPACK_GENERATOR DragNDrop)
+set(CPACK_DMG_VOLUME_NAME "${BUNDLE_NAME}")
+set(CPACK_DMG_DISABLE_APPLICATIONS_SYMLINK ON)
+set(CPACK_DMG_BACKGROUND_IMAGE "${CMAKE_SOURCE_DIR}/resources/images/Orvo_DVD_Artwork.png")
+set(CPACK_DMG_DS_STORE_SETUP_SCRIPT "${CMAKE_CURRENT_SOURCE_DIR}/disk-image.applescript")
