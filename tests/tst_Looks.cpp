@@ -1,0 +1,232 @@
+// Renders each state of each page in a light and a dark palette with plain and doubled type, and measures the
+// pictures. With LOOKS_PICTURES naming a folder the pictures are kept there.
+
+#include "Fixture.h"
+
+#include "MacSpecific/Orvo/Orvo_Installer.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStyle>
+#include <QTextBrowser>
+
+#include <cmath>
+
+namespace {
+
+const QString longName(70, QLatin1Char('W'));
+
+struct State {
+    const char *name;
+    int page;
+    void (*enter)(QWizardPage *page);
+};
+
+/// Whether a widget is smaller than its text.
+bool isCut(const QWidget &widget)
+{
+    if (qobject_cast<const QLabel *>(&widget))
+        return widget.heightForWidth(widget.width()) > widget.height()
+            || widget.minimumSizeHint().width() > widget.width();
+    const QSize needed = widget.minimumSizeHint();
+    return needed.width() > widget.width() || needed.height() > widget.height();
+}
+
+/// Picks the folder in the dialog that the page's button opens.
+void pick(QWizardPage *page, const QString &folder)
+{
+    const ModalAnswers answers({folder});
+    page->findChild<QPushButton *>()->click();
+}
+
+/// Has the source page measure a folder of this name with `size` bytes in it.
+void scanned(QWizardPage *page, const QString &name, qint64 size)
+{
+    const Tree tree;
+    QVERIFY(QFile::resize(tree.file(name + "/a.zqimage"), size));
+    pick(page, tree.path(name));
+    const auto *status = page->findChild<QLabel *>();
+    QTRY_VERIFY(!status->text().startsWith("Scanning") && !isCut(*status));
+}
+
+void running(QWizardPage *page, int done)
+{
+    auto *bar = page->findChild<QProgressBar *>();
+    bar->setRange(0, 1200);
+    bar->setFormat("%v of %m");
+    bar->setValue(done);
+}
+
+void failed(QWizardPage *page, int code, const QString &text)
+{
+    QMetaObject::invokeMethod(page, "resultSet", Q_ARG(int, code), Q_ARG(QString, text));
+    QMetaObject::invokeMethod(page, "handleResult");
+}
+
+const State states[] = {
+    {"1-agreement", 1, [](QWizardPage *) {}},
+    {"2-source-missing", 0, [](QWizardPage *) {}},
+    {"2-source-found", 0, [](QWizardPage *page) { scanned(page, "Lumetra", 42123456789); }},
+    {"2-source-long-name", 0, [](QWizardPage *page) { scanned(page, longName, 42123456789); }},
+    {"2-source-empty", 0, [](QWizardPage *page) { scanned(page, longName, 0); }},
+    {"3-destination", 2, [](QWizardPage *) {}},
+    {"3-destination-long-path", 2,
+        [](QWizardPage *page) { pick(page, Tree().folder(longName + QString("/deep").repeated(60))); }},
+    {"4-install-begun", 3, [](QWizardPage *page) { running(page, 12); }},
+    {"4-install-full", 3, [](QWizardPage *page) { running(page, 1200); }},
+    {"5-cancelled", 3, [](QWizardPage *page) { failed(page, -60006, {}); }},
+    {"5-failed", 3,
+        [](QWizardPage *page) {
+            failed(page, -100,
+                "cp: cannot create regular file '/Volumes/Backup/" + longName
+                    + "/Lumetra/a.zqimage': No space left on device");
+        }},
+};
+
+QPalette darkPalette()
+{
+    QPalette palette(QColor(53, 53, 53));
+    palette.setColor(QPalette::Base, QColor(35, 35, 35));
+    return palette;
+}
+
+/// The contrast of two colours as the Web Content Accessibility Guidelines count it, 1 to 21.
+double contrast(QRgb first, QRgb second)
+{
+    const auto luminance = [](QRgb colour) {
+        const auto linear = [](int channel) {
+            const double part = channel / 255.0;
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour))
+            + 0.0722 * linear(qBlue(colour));
+    };
+    const double one = luminance(first) + 0.05;
+    const double other = luminance(second) + 0.05;
+    return one > other ? one / other : other / one;
+}
+
+/// The visible, enabled widgets of the window that show text.
+QList<QWidget *> textWidgets(const QWidget &window)
+{
+    QList<QWidget *> found;
+    for (auto *widget : window.findChildren<QWidget *>()) {
+        const bool showsText = qobject_cast<QLabel *>(widget) || qobject_cast<QAbstractButton *>(widget)
+            || qobject_cast<QProgressBar *>(widget) || qobject_cast<QTextBrowser *>(widget);
+        if (showsText && widget->isVisible() && widget->isEnabled())
+            found.append(widget);
+    }
+    return found;
+}
+
+QRect inWindow(const QWidget &widget)
+{
+    return {widget.mapTo(widget.window(), QPoint()), widget.size()};
+}
+
+void makeTextInvisible(QWidget &widget)
+{
+    QPalette palette = widget.palette();
+    for (auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText})
+        palette.setColor(role, Qt::transparent);
+    widget.setPalette(palette);
+}
+
+/// The lowest contrast between a widget's ink and what lies behind it, pixel by pixel: the ink is where the
+/// two pictures differ, its colour the strongest found there.
+double lowestContrast(const QImage &written, const QImage &blank)
+{
+    QList<QPoint> ink;
+    QRgb colour = 0;
+    double strongest = 0;
+    for (int y = 0; y < written.height(); ++y)
+        for (int x = 0; x < written.width(); ++x) {
+            if (written.pixel(x, y) == blank.pixel(x, y))
+                continue;
+            ink.append({x, y});
+            const double here = contrast(written.pixel(x, y), blank.pixel(x, y));
+            if (here > strongest) {
+                strongest = here;
+                colour = written.pixel(x, y);
+            }
+        }
+    double lowest = strongest;
+    for (const QPoint &point : ink)
+        lowest = std::min(lowest, contrast(colour, blank.pixel(point)));
+    return lowest;
+}
+
+} // namespace
+
+class tst_Looks : public QObject {
+    Q_OBJECT
+
+private slots:
+    void textIsLegible_data();
+    void textIsLegible();
+};
+
+void tst_Looks::textIsLegible_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<int>("typeSize");
+    for (const bool dark : {false, true})
+        for (const int typeSize : {100, 200})
+            for (size_t state = 0; state < std::size(states); ++state)
+                QTest::addRow("%s-%s-%d", states[state].name, dark ? "dark" : "light", typeSize)
+                    << int(state) << dark << typeSize;
+}
+
+void tst_Looks::textIsLegible()
+{
+    QFETCH(int, state);
+    QFETCH(bool, dark);
+    QFETCH(int, typeSize);
+    // Begun in the other palette: the desktop may change it at any time.
+    QApplication::setPalette(!dark ? darkPalette() : QApplication::style()->standardPalette());
+    QFont font = QApplication::font();
+    font.setPointSize(11 * typeSize / 100);
+    QApplication::setFont(font);
+
+    Orvo_Installer window;
+    // To the last page by a jump: going on to it would measure the disk.
+    window.setStartId(states[state].page == 3 ? 3 : 1);
+    window.show();
+    while (window.currentId() != states[state].page)
+        window.next();
+    QApplication::setPalette(dark ? darkPalette() : QApplication::style()->standardPalette());
+    states[state].enter(window.currentPage());
+    QCoreApplication::sendPostedEvents(); // lays out, but starts no installation: timers wait for the event
+                                          // loop
+
+    const QString folder = qEnvironmentVariable("LOOKS_PICTURES");
+    const QImage written = window.grab().toImage();
+    if (!folder.isEmpty())
+        QVERIFY(written.save(QString("%1/%2.png").arg(folder, QTest::currentDataTag())));
+
+    QVERIFY2(window.width() <= 1024 && window.height() <= 768, "larger than a small screen");
+    const QList<QWidget *> widgets = textWidgets(window);
+    for (const QWidget *widget : widgets) {
+        QVERIFY2(!isCut(*widget), widget->metaObject()->className());
+        QVERIFY2(window.rect().contains(inWindow(*widget)), widget->metaObject()->className());
+        for (const QWidget *other : widgets)
+            QVERIFY2(other == widget || !inWindow(*other).intersects(inWindow(*widget)),
+                other->metaObject()->className());
+    }
+
+    for (QWidget *widget : widgets)
+        makeTextInvisible(*widget);
+    const QImage blank = window.grab().toImage();
+    for (const QWidget *widget : widgets) {
+        const qreal scale = written.devicePixelRatio();
+        const QRect area(inWindow(*widget).topLeft() * scale, widget->size() * scale);
+        const double found = lowestContrast(written.copy(area), blank.copy(area));
+        QVERIFY2(found > 1, "no text found");
+        QVERIFY2(found >= 4.5, qPrintable(widget->metaObject()->className() + QString(" %1").arg(found)));
+    }
+}
+
+QTEST_MAIN(tst_Looks)
+#include "tst_Looks.moc"

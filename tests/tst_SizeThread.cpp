@@ -1,0 +1,122 @@
+#include "Fixture.h"
+
+#include "InstallState.h"
+#include "SizeThread.h"
+
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+class tst_SizeThread : public QObject {
+    Q_OBJECT
+
+    using Results = QList<QList<QVariant>>;
+
+    /// Lets the thread run and gives back what it reported.
+    static Results resultsOf(SizeThread &thread)
+    {
+        const QSignalSpy results(&thread, &SizeThread::pathSize);
+        thread.start();
+        if (!thread.wait(patience))
+            qFatal("the scan doesn't end");
+        QCoreApplication::processEvents();
+        return results;
+    }
+
+private slots:
+    void init() { sResultList.clear(); }
+
+    void awkwardNamesComeInTheToolkitsOrder()
+    {
+        const Tree tree;
+        const QStringList pieces{"a", "A", "z", "Z", "é", "É", "ß", "İ", "ǅ", "Ω", "ω", "～", "😀", " ", "-",
+            "_", "%1", "\n", "\"", "'", "\\", "*", "[", "1", "10", "9"};
+        QRandomGenerator random(4711);
+        for (int i = 0; i < 3000; ++i) {
+            QString name;
+            for (int length = random.bounded(4); length >= 0; --length)
+                name += pieces[random.bounded(pieces.size())];
+            tree.file(name + (i % 3 ? ".zqin" : ".zqimage"), "1");
+        }
+        QStringList expected = QDir(tree.path()).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+        QVERIFY(expected.size() > 2000);
+        QList<QFileInfo> found;
+        QCOMPARE(SizeThread(nullptr, "").dirSize(tree.path(), found), quint64(expected.size()));
+        QStringList names;
+        for (const QFileInfo &file : found)
+            names << file.fileName();
+        // Names that differ in case only may stand in any order.
+        QCOMPARE(names.join('/').toLower(), expected.join('/').toLower());
+        names.sort();
+        expected.sort();
+        QCOMPARE(names, expected);
+    }
+
+    void onlyDataFilesAreListed()
+    {
+        const Tree tree, elsewhere;
+        const QStringList dataFiles{"d/.hidden/.zqin", "d/z.zqimage", "e.zqin/E.zqin", "x.zqin"};
+        for (const QString &name : dataFiles)
+            tree.file(name, QByteArray(100 + name.size(), 'x'));
+        for (const char *name : {"y.txt", "zqin", "a.b.zqin", "..zqin", "a.ZQIN", "a.zqin.bak", "zqin."})
+            tree.file(name);
+        QVERIFY(QFile::link(elsewhere.file("other.zqin"), tree.path("link.zqin")));
+        QVERIFY(QFile::link(elsewhere.path(), tree.path("linked folder")));
+        QVERIFY(QFile::link(tree.path(), tree.path("d/circle")));
+        QVERIFY(QFile::link(tree.path(), elsewhere.path("root")));
+        QCOMPARE(mkfifo(QFile::encodeName(tree.path("pipe.zqin")).constData(), 0600), 0);
+        QList<QFileInfo> found;
+        QCOMPARE(SizeThread(nullptr, "").dirSize(elsewhere.path("root"), found), quint64(445));
+        QStringList names;
+        for (const QFileInfo &file : found)
+            names << QDir(elsewhere.path("root")).relativeFilePath(file.absoluteFilePath());
+        QCOMPARE(names, dataFiles);
+    }
+
+    void deepestPathFitsASmallStack()
+    {
+        const Tree tree;
+        int folder = open(tree.path().toUtf8().constData(), O_PATH);
+        for (int level = (4095 - tree.path("a.zqin").size()) / 2; level > 0; --level) {
+            QCOMPARE(mkdirat(folder, "d", 0755), 0);
+            const int next = openat(folder, "d", O_PATH);
+            close(std::exchange(folder, next));
+        }
+        close(openat(folder, "a.zqin", O_WRONLY | O_CREAT, 0644));
+        close(folder);
+        SizeThread scanner(nullptr, tree.path());
+        scanner.setStackSize(512 * 1024);
+        const Results results = resultsOf(scanner);
+        // The temporary folder's own end can't do it with as many folders open at once.
+        QProcess::execute("rm", {"-rf", tree.path("d")});
+        QCOMPARE(results.size(), 1);
+        QCOMPARE(sResultList.size(), 1);
+    }
+
+    void everyScanAppendsAndReportsOnce()
+    {
+        const Tree tree;
+        tree.file("empty/b.zqin", "");
+        tree.file("full/a.zqin", "123");
+        for (const char *name : {"missing", "full/a.zqin", "empty", "full"}) {
+            SizeThread scanner(nullptr, tree.path(name));
+            const quint64 size = qstrcmp(name, "full") == 0 ? 3 : 0;
+            QCOMPARE(resultsOf(scanner), (Results{{tree.path(name), size}}));
+        }
+        QCOMPARE(sResultList, (QList<QFileInfo>{tree.path("empty/b.zqin"), tree.path("full/a.zqin")}));
+    }
+
+    void interruptedScanHasNoResult()
+    {
+        SizeThread scanner(nullptr, "/usr");
+        connect(&scanner, &QThread::started, &scanner, &QThread::requestInterruption, Qt::DirectConnection);
+        QVERIFY(resultsOf(scanner).isEmpty());
+        QVERIFY(sResultList.isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_SizeThread)
+#include "tst_SizeThread.moc"
