@@ -1,0 +1,199 @@
+"""A world with real administrator rights: the machine as it is, in namespaces of its own, in which everything can be
+changed and nothing stays. It has a system bus, polkit, a system log and two accounts, one that can administer the
+computer and one that can't."""
+
+import os
+import pty
+import pwd
+import shutil
+import socket
+import subprocess
+import tempfile
+import termios
+import threading
+import time
+from pathlib import Path
+
+from .user import Unexpected
+from .world import BUNDLE_FOLDER, BUNDLE_NAME, HOME, SCRIPTS, environment
+
+PLAIN, ADMINISTRATOR, PASSWORD = "plain", "administrator", "correct horse"
+HELPER = "authorization-helper"
+CHECKOUT = "/opt/checkout"
+BUNDLE = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}"
+PROGRAMS = ("unshare", "dbus-daemon", "pkexec", "pkttyagent", "useradd", "chpasswd", "setpriv")
+POLKITD = ("/usr/lib/polkit-1/polkitd", "/usr/libexec/polkitd", "/usr/libexec/polkit-1/polkitd")
+ADMINISTRATOR_MAY = f"polkit.addAdminRule(function() {{ return ['unix-user:{ADMINISTRATOR}']; }});\n"
+NOBODY_MAY = "polkit.addRule(function() { return polkit.Result.NO; });\n"
+DEVICES = ("null", "zero", "full", "random", "urandom", "tty")
+
+
+def missing():
+    """Why no such world can be had here, or None."""
+    if os.geteuid() != 0:
+        return "needs root"
+    absent = [name for name in PROGRAMS if not shutil.which(name)] + ([] if _polkitd() else ["polkitd"])
+    if absent:
+        return "needs " + ", ".join(absent)
+    trial = ["unshare", "--mount", "--pid", "--fork", "sh", "-c",
+             "mount -t tmpfs none /mnt && mkdir /mnt/u /mnt/w /mnt/r &&"
+             " mount -t overlay none -o lowerdir=/,upperdir=/mnt/u,workdir=/mnt/w /mnt/r"]
+    return "can't mount here" if subprocess.run(trial, stderr=subprocess.DEVNULL).returncode else None
+
+
+def enter(argv):
+    """Becomes this program again in new namespaces."""
+    command = ["unshare", "--mount", "--pid", "--fork", "--kill-child", "--propagation", "private", *argv]
+    return subprocess.call(command)
+
+
+def lay(bundle, probe):
+    """Makes the world and goes into it; `probe` is laid into the bundle. All but the checkout is on one device."""
+    root = Path("/mnt/world")
+    mount("tmpfs", "/mnt", "-t", "tmpfs")
+    for name in ("upper", "work", "world"):
+        Path("/mnt", name).mkdir()
+    mount("overlay", root, "-t", "overlay", "-o", "lowerdir=/,upperdir=/mnt/upper,workdir=/mnt/work,xino=on")
+    for place, options in (("run", "mode=755"), ("tmp", "mode=1777"), ("dev", "mode=755")):
+        mount("tmpfs", root / place, "-t", "tmpfs", "-o", options)
+    mount("proc", root / "proc", "-t", "proc")
+    for name in DEVICES:
+        (root / "dev" / name).touch()
+        mount(f"/dev/{name}", root / "dev" / name, "--bind")
+    (root / "dev/pts").mkdir()
+    mount("devpts", root / "dev/pts", "-t", "devpts", "-o", "newinstance,ptmxmode=0666,mode=620")
+    (root / "dev/ptmx").symlink_to("pts/ptmx")
+    shutil.copytree(bundle, f"{root}{BUNDLE}", symlinks=True)
+    shutil.copy(probe, f"{root}{BUNDLE}/Contents/MacOS/probe")
+    Path(f"{root}{CHECKOUT}").mkdir(parents=True)
+    mount(SCRIPTS.parent, f"{root}{CHECKOUT}", "--bind")
+    os.chroot(root)
+    os.chdir("/")
+    settings = environment()
+    os.environ.clear()
+    os.environ |= settings
+
+
+def become_plain():
+    account = pwd.getpwnam(PLAIN)
+    os.initgroups(PLAIN, account.pw_gid)
+    os.setgid(account.pw_gid)
+    os.setuid(account.pw_uid)
+    os.environ["HOME"] = HOME
+
+
+class System:
+    """What runs in the world from its start, and the accounts."""
+
+    def __init__(self, rule=ADMINISTRATOR_MAY):
+        Path(HOME).parent.mkdir(exist_ok=True)
+        run("useradd", "--create-home", "--home-dir", HOME, PLAIN)
+        run("useradd", ADMINISTRATOR)
+        run("chpasswd", input=f"{ADMINISTRATOR}:{PASSWORD}\n")
+        if subprocess.run(["getent", "group", "admin"], stdout=subprocess.DEVNULL).returncode:
+            run("groupadd", "admin")
+        for folder in ("/Library/Application Support", "/Library/Preferences", "/Volumes", "/run/dbus"):
+            Path(folder).mkdir(parents=True, exist_ok=True)
+        Path("/etc/polkit-1/rules.d").mkdir(parents=True, exist_ok=True)
+        Path("/etc/polkit-1/rules.d/00-test.rules").write_text(rule)
+        self.log = []
+        self._receive_log()
+        self._bus = subprocess.Popen(["dbus-daemon", "--system", "--nofork", "--nopidfile"], stderr=subprocess.DEVNULL)
+        wait(lambda: Path("/run/dbus/system_bus_socket").exists(), "system bus")
+        self._polkit = subprocess.Popen([_polkitd(), "--no-debug"], stderr=subprocess.DEVNULL)
+        names = ["dbus-send", "--system", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+                 "org.freedesktop.DBus.ListNames"]
+        wait(lambda: b"PolicyKit1" in subprocess.run(names, stdout=subprocess.PIPE).stdout, "polkit")
+
+    def _receive_log(self):
+        inlet = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        inlet.bind("/dev/log")
+        os.chmod("/dev/log", 0o666)
+
+        def receive():
+            while True:
+                self.log.append(inlet.recv(65536).decode())
+        threading.Thread(target=receive, daemon=True).start()
+
+
+class Agent:
+    """polkit's own agent for one process, on a terminal of its own, with somebody who types the password, if there is
+    one: a process, as this one may stand still while it waits for the installer's windows."""
+
+    def __init__(self, process, password, as_plain=False):
+        self._record = tempfile.mkstemp()[1]
+        started, ready = os.pipe()
+        os.set_inheritable(ready, True)
+        command = ["pkttyagent", "--process", str(process), "--notify-fd", str(ready)]
+        if as_plain:
+            command = ["setpriv", "--reuid", PLAIN, "--regid", PLAIN, "--clear-groups", *command]
+        if os.fork() == 0:
+            agent, terminal = pty.fork()
+            if agent == 0:
+                os.execvp(command[0], command)
+            # Nothing of this process's may stay open in the other.
+            os.dup2(terminal, 3)
+            os.closerange(4, 1024)
+            try:
+                self._type(3, password)
+            finally:
+                os._exit(0)
+        os.close(ready)
+        # The end of file says that the agent is known.
+        os.read(started, 1)
+        os.close(started)
+
+    @property
+    def said(self):
+        return Path(self._record).read_text(errors="replace")
+
+    @property
+    def prompts(self):
+        return self.said.count("Password: ")
+
+    def _type(self, terminal, password):
+        answered = 0
+        with open(self._record, "wb", buffering=0) as record:
+            while True:
+                try:
+                    record.write(os.read(terminal, 4096))
+                except OSError:
+                    return
+                if self.prompts > answered and password is not None:
+                    answered = self.prompts
+                    # What is typed while the echo is still on is thrown away.
+                    wait(lambda: not termios.tcgetattr(terminal)[3] & termios.ECHO, "hidden input")
+                    os.write(terminal, password.encode() + b"\n")
+
+
+def helpers():
+    """The process ids of the helpers that live, and of what asks for the rights of one."""
+    found = []
+    for process in Path("/proc").glob("[0-9]*"):
+        try:
+            if HELPER in (process / "cmdline").read_text():
+                found.append(int(process.name))
+        except OSError:
+            pass
+    return found
+
+
+def wait(condition, what, limit=30):
+    """Waits until the condition holds; Unexpected when it never does."""
+    end = time.monotonic() + limit
+    while not condition():
+        if time.monotonic() > end:
+            raise Unexpected(f"no {what} within {limit} s")
+        time.sleep(0.01)
+
+
+def _polkitd():
+    return next((place for place in POLKITD if os.access(place, os.X_OK)), None)
+
+
+def mount(source, place, *options):
+    run("mount", *options, source, place)
+
+
+def run(*command, **options):
+    subprocess.run([str(part) for part in command], check=True, text=True, **options)

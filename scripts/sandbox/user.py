@@ -1,0 +1,212 @@
+"""A scripted user of the installer: an assistive-technology client that finds things as a screen reader does.
+
+Runs in a world (world.py) and knows nothing of the code, only roles, names and texts.
+"""
+
+import os
+import subprocess
+import tempfile
+import time
+
+from .screen import Screen
+from .world import BUNDLE_FOLDER, BUNDLE_NAME
+
+PROGRAM = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}/Contents/MacOS/Lumetra Database Installer"
+BOX_TITLE = "Lumetra Database Installer Install"
+LIMIT = 60
+
+
+class Unexpected(Exception):
+    """What the user waited for did not come; the text says what there was instead."""
+
+
+class User:
+    """Starts the installer and works it. `say` gets a line for every page and box on the way."""
+
+    def __init__(self, say, pictures=None):
+        self._say = say
+        self.pictures = pictures
+        self.screen = Screen()
+        os.environ |= {"DISPLAY": self.screen.name, "XDG_RUNTIME_DIR": tempfile.mkdtemp(),
+                       "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+        self._bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
+                                     stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._bus.stdout.readline().strip()
+        self.program = subprocess.Popen([PROGRAM], stderr=open("/tmp/stderr", "w"))
+        # The toolkit joins only an accessibility bus that comes up after it, so its window must stand first.
+        self.wait(lambda: not self.screen.is_blank(), "a window")
+        global pyatspi, Atspi, GLib
+        import pyatspi
+        from gi.repository import Atspi, GLib
+        self.wait(lambda: self.frame() is not None, "the window on the accessibility bus")
+
+    def close(self):
+        for process in (self.program, self._bus):
+            process.kill()
+            process.wait()
+        self.screen.close()
+
+    def errors(self):
+        """What the installer wrote to standard error so far."""
+        with open("/tmp/stderr") as lines:
+            return lines.read()
+
+    # Looking
+
+    def windows(self):
+        """The installer's top-level windows that show; the newest last."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        desktop = pyatspi.Registry.getDesktop(0)
+        desktop.clear_cache()
+        found = []
+        for application in desktop:
+            if application and application.get_process_id() == self.program.pid:
+                application.set_cache_mask(Atspi.Cache.NONE)
+                found += [window for window in application if window and _shows(window)]
+        return found
+
+    def frame(self):
+        """The wizard's window, or None."""
+        return next((window for window in self.windows() if window.name != BOX_TITLE), None)
+
+    def box(self):
+        """The message box that shows, or None."""
+        return next((window for window in self.windows() if window.name == BOX_TITLE), None)
+
+    def find(self, role, name=None, within=None):
+        """The first control that shows of the role and the name, or None."""
+        return next(self._all(role, name, within), None)
+
+    def texts(self, within=None):
+        """The label texts that show, from top to bottom."""
+        labels = [label for label in self._all("label", None, within) if label.name]
+        return [label.name for label in sorted(labels, key=lambda label: _box(label)[1])]
+
+    def title(self):
+        return (self.texts() or [""])[0]
+
+    def say(self, *texts):
+        self._say("  ".join(" ".join(text.split()) for text in texts))
+
+    def content(self, name):
+        """The whole text of the document that shows under the name."""
+        return self.find("label", name).queryText().getText(0, -1)
+
+    def enabled(self, name, role="push button"):
+        control = self.find(role, name)
+        return control is not None and control.getState().contains(pyatspi.STATE_SENSITIVE)
+
+    def wait(self, condition, what, limit=LIMIT):
+        """Waits until the condition holds and returns its value; Unexpected when it never does."""
+        end = time.monotonic() + limit
+        while True:
+            try:
+                value = condition()
+            except (OSError, RuntimeError, _bus_error()):
+                value = None
+            if value:
+                return value
+            if self.program.poll() is not None:
+                raise Unexpected(f"the installer ended with status {self.program.returncode} before {what}:"
+                                 f" {self.errors()}")
+            if time.monotonic() > end:
+                raise Unexpected(f"no {what} within {limit} s; the window shows {self.texts()}")
+            time.sleep(0.05)
+
+    def wait_text(self, text):
+        """Waits until a label shows exactly this text."""
+        self.wait(lambda: text in self.texts(), f"text {text!r}")
+
+    def wait_title(self, title):
+        self.wait(lambda: self.title() == title, f"page {title!r}")
+
+    # Doing
+
+    def press(self, name, within=None):
+        """Presses a button once it can be pressed."""
+        self._ready("push button", name, within).queryAction().doAction(0)
+
+    def toggle(self, name):
+        """Ticks a check box, or clears it, as a screen reader does."""
+        self._ready("check box", name).queryAction().doAction(0)
+
+    def type(self, key):
+        """Presses a key in the uppermost window, to which no window manager gives the keys here."""
+        windows = subprocess.check_output(["xdotool", "search", "--onlyvisible", "--name", "."], text=True).split()
+        subprocess.run(["xdotool", "windowfocus", "--sync", windows[-1], "key", key], check=True)
+
+    def focus(self, role, name):
+        """Goes to a control with the Tab key alone."""
+        for _ in range(10):
+            self.type("Tab")
+            try:
+                return self.wait(lambda: self.focused(role, name), "focus", limit=1)
+            except Unexpected:
+                pass
+        raise Unexpected(f"Tab doesn't reach {name!r}")
+
+    def focused(self, role, name):
+        control = self.find(role, name)
+        return control is not None and control.getState().contains(pyatspi.STATE_FOCUSED)
+
+    def tick(self, name):
+        """Clicks a check box with the mouse."""
+        left, top, width, height = _box(self._ready("check box", name))
+        pyatspi.Registry.generateMouseEvent(left + height // 2, top + height // 2, "b1c")
+
+    def answer_box(self, name="OK"):
+        """Waits for a message box, presses the button and returns the box's texts."""
+        box = self.wait(self.box, "message box")
+        texts = self.wait(lambda: self.texts(box), "message text")
+        self.picture("prompt")
+        self.say(f"[{box.name}]", *texts, f"-> {name}")
+        self.press(name, within=self.box)
+        self.wait(lambda: self.box() is None or self.texts(self.box()) != texts, "end of the message box")
+        return texts
+
+    def pick_folder(self, caption, folder):
+        """Types the folder into the folder dialog and accepts it."""
+        def dialog():
+            return next((window for window in self.windows() if window.name == caption), None)
+        field = self.wait(lambda: self.find("text", None, self.wait(dialog, caption)), "field for the folder")
+        field.queryEditableText().setTextContents(folder)
+        self.press("Choose", within=dialog)
+        self.wait(lambda: dialog() is None, "end of the folder dialog")
+
+    def picture(self, name):
+        """Saves a picture of the installer's windows, when pictures are wanted."""
+        if self.pictures:
+            boxes = [_box(window) for window in self.windows()]
+            left, top = min(box[0] for box in boxes), min(box[1] for box in boxes)
+            right, bottom = max(box[0] + box[2] for box in boxes), max(box[1] + box[3] for box in boxes)
+            self.screen.picture(f"{self.pictures}/{name}.png", (left, top, right - left, bottom - top))
+
+    def _ready(self, role, name, within=None):
+        def ready():
+            control = self.find(role, name, within() if within else None)
+            return control if control and control.getState().contains(pyatspi.STATE_SENSITIVE) else None
+        return self.wait(ready, f"{name!r} to press")
+
+    def _all(self, role, name, within):
+        within = within or self.frame()
+        if within is None:
+            return
+        for child in within:
+            if child and _shows(child):
+                if child.getRoleName() == role and (name is None or child.name == name):
+                    yield child
+                yield from self._all(role, name, child)
+
+
+def _shows(item):
+    return item.getState().contains(pyatspi.STATE_SHOWING)
+
+
+def _box(item):
+    area = item.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    return area.x, area.y, area.width, area.height
+
+
+def _bus_error():
+    return GLib.GError if "GLib" in globals() else OSError

@@ -1,0 +1,133 @@
+"""A world in which the installer's own paths exist, laid with bubblewrap; nothing of the machine's is changed.
+
+A folder is the root, one mount, so that /Library, /Volumes and the bundle's folder lie on one device, as on a
+Mac with one disk. /usr and /etc lie over it read-only, but for account files
+that have the group `admin` and a plain user.
+"""
+
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+SCRIPTS = Path(__file__).resolve().parent.parent
+BUNDLE_NAME = "Lumetra Database Installer.app"
+HOME = "/Users/installer"
+BUNDLE_FOLDER = "/Users/Shared"
+DATABASE = f"{BUNDLE_FOLDER}/Lumetra"
+PREFERENCE = "/Library/Preferences/com.brindle.CorvaneLumetra.plist"
+USB_DISK = "/Volumes/USB DISK"
+ADMIN_GID = 80
+PLAIN_UID, PLAIN_GID = 501, 20
+FOLDERS = ("Library/Application Support", "Library/Preferences", "Volumes", HOME[1:], BUNDLE_FOLDER[1:], "opt")
+
+
+class World:
+    """One world under `root`.
+
+    `library_size` gives /Library a disk of its own with so many bytes. `mounts` maps folders of the machine to
+    places in the world, read-only: each is another device to the installer. `member` false makes the user a
+    plain one, outside the group `admin`, to whom /Library is closed.
+    """
+
+    def __init__(self, root, bundle, library_size=None, mounts=None, member=True):
+        self.root = Path(root).resolve()
+        self.bundle = Path(bundle).resolve()
+        self.library_size = library_size
+        self.mounts = dict(mounts or {})
+        self.member = member
+        self.superuser = os.geteuid() == 0
+
+    def path(self, inside):
+        """Where `inside`, a path in the world, lies on the machine."""
+        return self.root / inside.lstrip("/")
+
+    def lay(self):
+        """Makes the world's folders afresh."""
+        self.remove()
+        for folder in FOLDERS:
+            (self.root / folder).mkdir(parents=True)
+        if not self.member:
+            for folder in (self.root / "Library").rglob("*"):
+                folder.chmod(0o555)
+            (self.root / "Library").chmod(0o555)
+            if self.superuser:
+                os.chown(self.path(HOME), PLAIN_UID, PLAIN_GID)
+        admin = 0 if self.member and not self.superuser else ADMIN_GID
+        self._add_account("group", "admin", f"x:{admin}:")
+        self._add_account("passwd", "installer", f"x:{PLAIN_UID}:{PLAIN_GID}:The Installer:{HOME}:/bin/sh")
+
+    def remove(self):
+        if self.root.exists():
+            subprocess.run(["chmod", "-R", "u+rwX", self.root], check=True)
+            shutil.rmtree(self.root)
+
+    def command(self, *argv, writable=None, display=False):
+        """The bubblewrap command that runs `argv` in the world.
+
+        `writable` maps folders of the machine to places where `argv` may leave files; `display` lets it use the
+        user's own display.
+        """
+        command = ["bwrap", "--die-with-parent", "--unshare-pid", "--bind", self.root, "/"]
+        command += self._identity() + self._system()
+        if self.library_size:
+            command += ["--size", str(self.library_size), "--tmpfs", "/Library"]
+            command += ["--dir", "/Library/Application Support", "--dir", "/Library/Preferences"]
+        command += ["--ro-bind", self.bundle, f"{BUNDLE_FOLDER}/{BUNDLE_NAME}"]
+        command += ["--ro-bind", SCRIPTS, "/opt/scripts"]
+        for place, inside in self.mounts.items():
+            command += ["--ro-bind", place, inside]
+        for place, inside in (writable or {}).items():
+            command += ["--bind", place, inside]
+        settings = environment() | {"HOME": HOME, "XDG_RUNTIME_DIR": "/run/user", "PYTHONDONTWRITEBYTECODE": "1"}
+        if display:
+            command += _display_mounts()
+            settings |= {name: os.environ[name] for name in ("DISPLAY", "XAUTHORITY") if name in os.environ}
+        command.append("--clearenv")
+        for name, value in settings.items():
+            command += ["--setenv", name, value]
+        command += ["--chdir", "/", "--"]
+        if self.superuser and not self.member:
+            command += ["setpriv", "--reuid", str(PLAIN_UID), "--regid", str(PLAIN_GID), "--clear-groups"]
+        return [str(part) for part in [*command, *argv]]
+
+    def _account_file(self, kind):
+        return self.root.with_name(f"{self.root.name}.{kind}")
+
+    def _add_account(self, kind, name, record):
+        lines = Path("/etc", kind).read_text().splitlines()
+        lines = [line for line in lines if not line.startswith(name + ":")] + [f"{name}:{record}"]
+        self._account_file(kind).write_text("\n".join(lines) + "\n")
+
+    def _identity(self):
+        if self.superuser:
+            return []
+        uid, gid = (0, 0) if self.member else (PLAIN_UID, PLAIN_GID)
+        return ["--unshare-user", "--uid", str(uid), "--gid", str(gid)]
+
+    def _system(self):
+        mounts = ["--ro-bind", "/usr", "/usr", "--ro-bind", "/etc", "/etc",
+                  "--ro-bind", self._account_file("group"), "/etc/group",
+                  "--ro-bind", self._account_file("passwd"), "/etc/passwd",
+                  "--proc", "/proc", "--dev", "/dev", "--perms", "1777", "--tmpfs", "/tmp", "--tmpfs", "/run",
+                  "--perms", "0700", "--dir", "/run/user"]
+        for name in ("bin", "sbin", "lib", "lib32", "lib64", "libx32"):
+            place = Path("/") / name
+            if place.is_symlink():
+                mounts += ["--symlink", os.readlink(place).lstrip("/"), place]
+            elif place.is_dir():
+                mounts += ["--ro-bind", place, place]
+        return mounts
+
+
+def environment():
+    """The settings that programs get in any world, of the machine's own only those of the sanitizers."""
+    kept = {name: os.environ[name] for name in os.environ if name.endswith("SAN_OPTIONS")}
+    return kept | {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LANG": "C.UTF-8"}
+
+
+def _display_mounts():
+    mounts = ["--ro-bind-try", "/tmp/.X11-unix", "/tmp/.X11-unix"]
+    if "XAUTHORITY" in os.environ:
+        mounts += ["--ro-bind-try", os.environ["XAUTHORITY"], os.environ["XAUTHORITY"]]
+    return mounts

@@ -1,0 +1,315 @@
+"""What a plain user sees, gets and leaves behind when an administrator's password is really asked for."""
+
+import os
+import plistlib
+import pwd
+import signal
+import stat
+import subprocess
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Callable
+
+import walks
+from sandbox import database, rights
+from sandbox.rights import Agent, BUNDLE, CHECKOUT, PASSWORD, PLAIN
+from sandbox.user import Unexpected
+from sandbox.world import DATABASE, HOME, PREFERENCE
+from walks import DEFAULT, NO_ACCESS, NOTICE, READY, TO_INSTALL, TO_SHARE, expect
+
+SENTENCE = "Corvane '14 needs to configure itself to run on your system."
+TO_PROMPT = [("Continue", NOTICE), ("OK", TO_INSTALL)]
+TO_SHARING_PROMPT = [("Continue", NOTICE), ("OK", TO_SHARE)]
+PARENT = os.path.dirname(DEFAULT)
+SPRUNG = "/tmp/a trap was sprung"
+
+
+def nothing(*_):
+    pass
+
+
+@dataclass
+class Case:
+    """The plain user's steps, and what the superuser does before, meanwhile and after; `files` are in the sample
+    database, and `rule` tells polkit who may do what."""
+
+    steps: Callable
+    before: Callable = nothing
+    after: Callable = nothing
+    meanwhile: Callable = nothing
+    files: int = 40
+    rule: str = rights.ADMINISTRATOR_MAY
+
+
+def lay_traps():
+    """A folder of programs that take the names of those that are run with rights, for the head of the PATH."""
+    traps = Path("/tmp/traps")
+    traps.mkdir()
+    for name in ("pkexec", "mkdir", "chgrp", "chown", "chmod", "defaults", rights.HELPER):
+        (traps / name).write_text(f"#!/bin/sh\n: >'{SPRUNG}'\n")
+        (traps / name).chmod(0o755)
+    return traps
+
+
+def check(case, system):
+    case.after(system)
+    expect(Path(SPRUNG).exists(), False)
+
+
+def to_prompt(user, boxes=TO_PROMPT):
+    walks.accept_agreement(user)
+    walks.see_size(user, "0.01")
+    walks.see_destination(user)
+    user.press("Continue")
+    answer(user, boxes)
+
+
+def answer(user, boxes):
+    for button, text in boxes:
+        expect(user.answer_box(button), [text])
+
+
+def helpers_end():
+    rights.wait(lambda: not rights.helpers(), "end of the helper", limit=1)
+
+
+# Rights that are granted
+
+def move(user):
+    agent = Agent(user.program.pid, PASSWORD)
+    to_prompt(user)
+    walks.see_end(user, READY)
+    expect((agent.prompts, SENTENCE in agent.said), (1, True))
+
+
+def copy(user):
+    agent = Agent(user.program.pid, PASSWORD)
+    to_prompt(user)
+    user.wait(user.box, "message box")
+    expect(rights.helpers(), [])
+    answer(user, TO_SHARING_PROMPT)
+    walks.see_end(user, READY)
+    expect(agent.prompts, 2)
+
+
+def to_folder(folder, boxes):
+    """A move with one prompt: before it where the folder takes rights, after it otherwise."""
+    def steps(user):
+        agent = Agent(user.program.pid, PASSWORD)
+        walks.accept_agreement(user)
+        walks.see_size(user, "0.01")
+        walks.pick_destination(user, folder, f"{folder}/Lumetra")
+        user.press("Continue")
+        answer(user, boxes)
+        walks.see_end(user, READY)
+        expect(agent.prompts, 1)
+    return steps
+
+
+def installed(_, path=DEFAULT):
+    expect(len(list(database.data_files(path))), 40)
+    expect(plistlib.loads(Path(PREFERENCE).read_bytes()), {"LumetraFullDatabasePath": path})
+    helpers_end()
+
+
+def installed_for_all(system):
+    installed(system)
+    expect((owner(PARENT), owner(DEFAULT)), (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
+    authpriv_notice = "<85>"
+    asking = f"user {pwd.getpwnam(PLAIN).pw_uid} runs "
+    runs = [line.partition(asking)[2] for line in system.log if asking in line and line.startswith(authpriv_notice)]
+    expect([run.split()[0] for run in runs],
+           ["/bin/mkdir", "/usr/bin/chgrp", "/bin/mkdir", "/usr/sbin/chown", "/usr/bin/defaults", "/bin/chmod"])
+    expect(runs[-1], f"/bin/chmod '0775' '{DEFAULT}'")
+
+
+def owner(path):
+    status = os.stat(path)
+    return pwd.getpwuid(status.st_uid).pw_name, Path(path).group(), stat.S_IMODE(status.st_mode)
+
+
+def install_policy():
+    rights.run(f"{CHECKOUT}/scripts/setup", "--policy", BUNDLE)
+
+
+def small_library():
+    rights.mount("tmpfs", "/Library", "-t", "tmpfs")
+    for folder in ("Application Support", "Preferences"):
+        Path("/Library", folder).mkdir()
+
+
+# Rights that are refused
+
+def refused(password, status, prompts, said=""):
+    def steps(user):
+        agent = Agent(user.program.pid, password) if password else None
+        to_prompt(user)
+        walks.see_end(user, NO_ACCESS)
+        expect(agent.prompts if agent else 0, prompts)
+        expect((f"AuthorizationCopyRights failed: status={status}" in user.errors(), said in user.errors()),
+               (True, True))
+    return steps
+
+
+def dismissed(user):
+    agent = subprocess.Popen([f"{CHECKOUT}/tests/e2e/dismiss", str(user.program.pid)], stdout=subprocess.PIPE,
+                             text=True)
+    expect(agent.stdout.readline(), "ready\n")
+    refused(None, -60006, 0)(user)
+    agent.kill()
+    expect(len(agent.stdout.readlines()), 1)
+
+
+def declined(user):
+    agent = Agent(user.program.pid, PASSWORD)
+    to_prompt(user, [("Cancel Installation", NOTICE)])
+    walks.see_end(user, NO_ACCESS)
+    expect(agent.said, "")
+
+
+def untouched(_):
+    expect((Path(PARENT).exists(), Path(PREFERENCE).exists()), (False, False))
+    expect(len(list(database.data_files(DATABASE))), 40)
+    expect(rights.helpers(), [])
+
+
+# Ends at a bad time
+
+def killed(user):
+    Agent(user.program.pid, PASSWORD)
+    to_prompt(user)
+    user.wait_title(READY[0])
+    expect(len(rights.helpers()), 1)
+    user.program.kill()
+    helpers_end()
+
+
+def stopped_in_dialog(number):
+    def steps(user):
+        agent = Agent(user.program.pid, None)
+        to_prompt(user, TO_PROMPT[:1])
+        # Not by answer_box: the window answers no one while the password is waited for.
+        user.press("OK", within=user.box)
+        user.wait(lambda: agent.prompts == 1, "password prompt")
+        user.program.send_signal(number)
+        helpers_end()
+        user.program.wait(20)
+    return steps
+
+
+def kill_helpers_at_first_file():
+    rights.wait(lambda: Path(DEFAULT).is_dir() and any(Path(DEFAULT).iterdir()), "first file", limit=120)
+    for process in rights.helpers():
+        os.kill(process, signal.SIGKILL)
+
+
+def ready_though(said):
+    def steps(user):
+        Agent(user.program.pid, PASSWORD)
+        to_prompt(user)
+        walks.see_end(user, READY)
+        expect(said in user.errors(), True)
+    return steps
+
+
+CASES = {
+    "move": Case(move, install_policy, installed_for_all),
+    "copy": Case(copy, small_library, installed_for_all),
+    "own_destination": Case(to_folder(HOME, TO_SHARING_PROMPT), after=lambda system: installed(system, f"{HOME}/Lumetra")),
+    "system_folder": Case(to_folder("/opt", TO_PROMPT), after=lambda system: installed(system, "/opt/Lumetra")),
+    "wrong_password": Case(refused("wrong", -60005, 1), after=untouched),
+    "dismissed": Case(dismissed, after=untouched),
+    "not_an_administrator": Case(refused(PASSWORD, -60005, 0), after=untouched, rule=rights.NOBODY_MAY),
+    "no_agent": Case(refused(None, -60007, 0, "No authentication agent is running"), after=untouched),
+    "no_pkexec": Case(refused(None, -60008, 0, "/usr/bin/pkexec: No such file"),
+                      lambda: os.unlink("/usr/bin/pkexec"), untouched),
+    "declined": Case(declined, after=untouched),
+    "killed": Case(killed),
+    "killed_in_dialog": Case(stopped_in_dialog(signal.SIGKILL), after=untouched),
+    "ended_in_dialog": Case(stopped_in_dialog(signal.SIGTERM), after=untouched),
+    "helper_killed": Case(ready_though("status=-60008"), files=1000, meanwhile=kill_helpers_at_first_file,
+                          after=lambda _: expect(Path(PREFERENCE).exists(), False)),
+    "broken_preference": Case(ready_though(f"{PREFERENCE} is not a property list; it stays as it is"),
+                              lambda: Path(PREFERENCE).write_text("not a list"),
+                              lambda _: expect(Path(PREFERENCE).read_text(), "not a list")),
+}
+
+
+# The folder functions, each code by what the system refuses
+
+class Probe:
+    """The plain user's process that calls them."""
+
+    def __init__(self, password=None):
+        self._process = subprocess.Popen([f"{BUNDLE}/Contents/MacOS/probe", "-platform", "offscreen"], text=True,
+                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                         user=PLAIN, group=PLAIN, extra_groups=[])
+        self.agent = Agent(self._process.pid, password, as_plain=True) if password else None
+
+    def expect(self, code, *words):
+        self._process.stdin.write("\t".join(words) + "\n")
+        self._process.stdin.flush()
+        found = int(self._process.stdout.readline())
+        if found != code:
+            raise Unexpected(f"{' '.join(words)}: expected {code}, not {found}")
+
+
+def folder(path, user="root", group="root"):
+    Path(path).mkdir(parents=True)
+    rights.run("chown", f"{user}:{group}", path)
+    return path
+
+
+def shared_folders():
+    without_rights()
+    with_failing_tools()
+    with_rights()
+
+
+def without_rights():
+    roots, own = folder("/Library/of root"), folder(f"{HOME}/own", PLAIN, PLAIN)
+    admins = folder("/Library/of admin", group="admin")
+    disk = folder("/Volumes/Disc")
+    strangers, groups = folder(f"{disk}/a", PLAIN, PLAIN), folder(f"{disk}/b", PLAIN, "admin")
+    rights.mount(disk, disk, "--bind")
+    rights.mount(disk, disk, "-o", "remount,bind,ro")
+    probe = Probe()
+    for code, *call in (
+            (0, "scope", "0"), (0, "fixup", "/nowhere"), (3, "product", f"{roots}/x"), (5, "resource", f"{roots}/x", "y"),
+            (0, "scope", "1"), (1, "fixup", "/nowhere"), (2, "fixup", "/etc/passwd"), (2, "verify", "/etc", "passwd"),
+            (4, "fixup", strangers), (6, "fixup", groups),
+            (1, "verify", "/etc/passwd/x", "y"), (1, "verify", own, "y" * 300), (1, "verify", own, "y" * 4095),
+            # Nobody can be asked; the reference that is left holds no rights.
+            (0, "free"), (4, "fixup", roots), (3, "fixup", roots), (5, "fixup", admins),
+            (1, "product", f"{roots}/x"), (1, "resource", f"{roots}/x", "y"),
+            (0, "free"), (4, "product", f"{roots}/x"), (0, "free"), (4, "resource", f"{roots}/x", "y")):
+        probe.expect(code, *call)
+    expect(os.listdir(roots), [])
+
+
+def with_failing_tools():
+    """A tool that can't be started fails its step; the last needs one that goes away between two steps."""
+    probe = Probe(PASSWORD)
+    tools = "/usr/bin"
+    rights.mount("/dev/null", f"{tools}/chown", "--bind")
+    probe.expect(2, "product", "/Library/one")
+    probe.expect(4, "resource", "/Library/two", "x")
+    rights.mount("/dev/null", f"{tools}/chgrp", "--bind")
+    probe.expect(2, "resource", "/Library/three", "x")
+    rights.run("umount", f"{tools}/chgrp", f"{tools}/chown")
+    Path(f"{tools}/chgrp").rename(f"{tools}/chgrp.whole")
+    Path(f"{tools}/chgrp").write_text(f"#!/bin/sh\nchmod a-x {tools}/mkdir\n")
+    os.chmod(f"{tools}/chgrp", 0o755)
+    probe.expect(3, "resource", "/Library/four", "x")
+    Path(f"{tools}/chgrp.whole").rename(f"{tools}/chgrp")
+    os.chmod(f"{tools}/mkdir", 0o755)
+
+
+def with_rights():
+    probe = Probe(PASSWORD)
+    new, old = "/Library/new", folder("/Library/old", group="staff")
+    for path in (new, old):
+        probe.expect(0, "verify", path, "Lumetra")
+        expect((owner(path), owner(f"{path}/Lumetra")),
+               (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
+    expect(probe.agent.prompts, 1)
