@@ -1,0 +1,93 @@
+#include "CopyThread.h"
+#include "InstallState.h"
+#include "SizeThread.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+
+#include <cstdio>
+#include <cstring>
+
+#include <malloc.h>
+
+// Runs one of the installer's two workers as the installer does and prints, as JSON, what it took.
+
+namespace {
+
+/// Starts the worker and lets the event loop run until it has ended. Returns the seconds from start to end.
+double secondsOf(QThread &worker)
+{
+    QObject::connect(&worker, &QThread::finished, qApp, &QCoreApplication::quit);
+    QElapsedTimer timer;
+    timer.start();
+    worker.start(QThread::InheritPriority);
+    QCoreApplication::exec();
+    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
+}
+
+size_t heapInUse()
+{
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
+int scan(const QString &source)
+{
+    const size_t before = heapInUse();
+    double seconds;
+    quint64 bytes = 0;
+    {
+        SizeThread worker(nullptr, source);
+        QObject::connect(&worker, &SizeThread::pathSize, qApp,
+            [&bytes](const QString &, quint64 total) { bytes = total; });
+        seconds = secondsOf(worker);
+    }
+    std::printf("{\"seconds\": %.6f, \"files\": %d, \"bytes\": %llu, \"heap\": %zu}\n", seconds,
+        sResultList.size(), static_cast<unsigned long long>(bytes), heapInUse() - before);
+    return 0;
+}
+
+/// Copies or moves the list's first `count` files, once the source's files and others stand in the list.
+int install(const QString &source, const QString &destination, int count, bool move)
+{
+    {
+        SizeThread worker(nullptr, source);
+        secondsOf(worker);
+    }
+    if (sResultList.size() < count)
+        return 1;
+    sCopyFiles = move;
+    CopyThread worker(nullptr, destination);
+    int done = 0;
+    QElapsedTimer sinceFirst;
+    double further = 0;
+    const auto countFile = [&](int index) {
+        done = index;
+        if (index == 1)
+            sinceFirst.start();
+        if (index != count)
+            return;
+        further = static_cast<double>(sinceFirst.nsecsElapsed()) / 1e9 / (count - 1);
+        worker.requestInterruption();
+    };
+    QObject::connect(&worker, &CopyThread::copiedFile, &worker, countFile, Qt::DirectConnection);
+    const double seconds = secondsOf(worker);
+    std::printf("{\"seconds\": %.6f, \"further\": %.6f, \"files\": %d, \"listed\": %d}\n", seconds, further,
+        done, sResultList.size());
+    return done == count ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    if (argc == 3 && std::strcmp(argv[1], "scan") == 0)
+        return scan(QFile::decodeName(argv[2]));
+    if (argc == 5)
+        return install(QFile::decodeName(argv[2]), QFile::decodeName(argv[3]), std::atoi(argv[4]),
+            std::strcmp(argv[1], "move") == 0);
+    std::fprintf(stderr, "usage: %s scan SOURCE | copy|move SOURCE DESTINATION COUNT\n", argv[0]);
+    return 2;
+}
