@@ -164,13 +164,13 @@ bool ConclusionPage::makeFolderWithRights()
         return false;
     }
     // A new folder is the superuser's now, but the tools that fill it run as the user. One that was there
-    // already, which mkdir says by itself, isn't given away.
+    // already, which mkdir says by itself, isn't given away, nor is what a link leads to that took its place.
     std::string owner = std::to_string(getuid());
     if (gAdminGid != static_cast<gid_t>(-1))
         owner += ":" + std::to_string(gAdminGid);
-    if (isNew && !runCommandWithAuthority(gMacAuthorizationRef, "/usr/sbin/chown", {owner, folder})) {
-        log_msg(
-            "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s) failed\n", owner.c_str(), folder.c_str());
+    if (isNew && !runCommandWithAuthority(gMacAuthorizationRef, "/usr/sbin/chown", {"-h", owner, folder})) {
+        log_msg("doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n", "-h", owner.c_str(),
+            folder.c_str());
         return false;
     }
     privileged = true;
