@@ -23,8 +23,8 @@ PropertyListFile systemProblem()
 {
     if (errno == ELOOP)
         return problem(PropertyListFile::Unreadable, "is a symbolic link");
-    return problem(
-        errno == ENOENT ? PropertyListFile::Missing : PropertyListFile::Unreadable, std::strerror(errno));
+    return problem(errno == ENOENT ? PropertyListFile::Missing : PropertyListFile::Unreadable,
+        std::string("can't be read: ") + std::strerror(errno));
 }
 
 bool isBinary(const std::string &bytes)
