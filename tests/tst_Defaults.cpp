@@ -14,6 +14,7 @@ private slots:
     void writtenValueIsReadBack();
     void otherKeysAndTheFormatStay_data();
     void otherKeysAndTheFormatStay();
+    void carriageReturnOfAnotherKeyStays();
     void symbolicLinkIsNeitherFollowedNorReplaced();
     void failedWriteLeavesNothingBehind();
 
@@ -110,6 +111,18 @@ void tst_Defaults::otherKeysAndTheFormatStay()
     QCOMPARE(defaults("delete", "new"), QByteArray(""));
     QCOMPARE(asXml(contents()), asXml(before));
     QCOMPARE(contents().left(8), before.left(8));
+}
+
+void tst_Defaults::carriageReturnOfAnotherKeyStays()
+{
+    QFile file(list);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<plist><dict><key>a</key><string>b&#13;c</string></dict></plist>");
+    file.close();
+    QCOMPARE(defaults("write", "new", {"value"}), QByteArray(""));
+    QCOMPARE(defaults("read", "a"), QByteArray("b\rc\n"));
+    // In XML a reader would take it for a line feed.
+    QVERIFY(contents().startsWith("bplist00"));
 }
 
 void tst_Defaults::symbolicLinkIsNeitherFollowedNorReplaced()

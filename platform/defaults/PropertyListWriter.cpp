@@ -87,28 +87,32 @@ private:
     Descriptor file;
 };
 
-bool hasControlCharacter(const std::string &text)
+/// What XML can't hold: a reader takes a carriage return for a line end and stops at the others.
+bool hasControlCharacter(const std::string &xml)
 {
-    return std::any_of(
-        text.begin(), text.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7F; });
+    return std::any_of(xml.begin(), xml.end(),
+        [](unsigned char byte) { return byte < ' ' && byte != '\n' && byte != '\t'; });
+}
+
+std::string bytesOf(plist_t list, PropertyListFormat format)
+{
+    const bool binary = format == PropertyListFormat::Binary;
+    char *bytes = nullptr;
+    uint32_t length = 0;
+    (binary ? plist_to_bin : plist_to_xml)(list, &bytes, &length);
+    const std::string copy(bytes ? bytes : "", length);
+    (binary ? plist_to_bin_free : plist_to_xml_free)(bytes);
+    return copy;
 }
 
 std::string save(const Place &place, const PropertyListFile &file)
 {
-    char *bytes = nullptr;
-    uint32_t length = 0;
-    if (file.format == PropertyListFormat::Binary)
-        plist_to_bin(file.list.get(), &bytes, &length);
-    else
-        plist_to_xml(file.list.get(), &bytes, &length);
-    if (!bytes)
+    std::string bytes = bytesOf(file.list.get(), file.format);
+    if (file.format == PropertyListFormat::Xml && hasControlCharacter(bytes))
+        bytes = bytesOf(file.list.get(), PropertyListFormat::Binary);
+    if (bytes.empty())
         return place.path + ": can't put the property list into bytes";
-    const std::string failure = Replacement(place).write(bytes, length);
-    if (file.format == PropertyListFormat::Binary)
-        plist_to_bin_free(bytes);
-    else
-        plist_to_xml_free(bytes);
-    return failure;
+    return Replacement(place).write(bytes.data(), bytes.size());
 }
 
 } // namespace
@@ -124,9 +128,6 @@ std::string writeString(const std::string &path, const std::string &key, const s
     } else if (file.problem != PropertyListFile::None) {
         return path + " " + file.reason + "; it stays as it is";
     }
-    // XML has no way to write these.
-    if (hasControlCharacter(key) || hasControlCharacter(value))
-        file.format = PropertyListFormat::Binary;
     plist_dict_set_item(file.list.get(), key.c_str(), plist_new_string(value.c_str()));
     return save(place, file);
 }
