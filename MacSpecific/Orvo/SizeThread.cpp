@@ -38,6 +38,8 @@ quint64 SizeThread::dirSize(const QString &path, QList<QFileInfo> &list)
         return OpenFolder{listFolder(prefix, interrupted)};
     };
     quint64 total = 0;
+    if (path.isEmpty())
+        return total; // not the current folder
     std::vector<OpenFolder> way;
     way.push_back(open(QDir::isAbsolutePath(path) ? path : QDir::current().filePath(path)));
     while (!way.empty() && !interrupted()) {
