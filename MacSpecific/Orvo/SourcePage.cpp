@@ -92,7 +92,9 @@ void SourcePage::updateDBSize(QString, quint64 finishedSize)
 
 void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
 {
-    const QString name = fittedText(QDir(path).dirName(), this);
+    const QDir folder(path);
+    // The root has no name, and a gap in the text says nothing.
+    const QString name = fittedText(folder.isRoot() ? folder.path() : folder.dirName(), this);
     dbSize = finishedSize;
     disposeOfScanner();
     if (finishedSize > 0) {
