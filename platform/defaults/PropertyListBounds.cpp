@@ -50,7 +50,13 @@ private:
 
 constexpr uint64_t trailerSize = 32;
 constexpr uint64_t nodeSize = 128;
-constexpr uint64_t largestExpansion = 16 * largestPropertyList;
+
+/// What a list may grow to in memory: its densest objects take 8 bytes in a large file, and the rest is for
+/// what is referred to more than once.
+uint64_t largestExpansion(size_t listSize)
+{
+    return 16 * listSize + 2 * largestPropertyList;
+}
 
 bool BinaryObjects::number(uint64_t at, uint64_t size, uint64_t &value) const
 {
@@ -94,7 +100,7 @@ bool BinaryObjects::push(uint64_t references, uint64_t count, size_t depth)
             return false;
         // Counted here already, so that the list of what is pending stays small, too.
         expandedSize += nodeSize;
-        if (expandedSize > largestExpansion)
+        if (expandedSize > largestExpansion(bytes.size()))
             return false;
         pending.push_back({object, depth});
     }
@@ -112,7 +118,7 @@ bool BinaryObjects::visit(const Visit &current)
     if (type == 0x40 || type == 0x50 || type == 0x60)
         expandedSize += length * utf8BytesPerUnit;
     if (type != 0xA0 && type != 0xD0)
-        return expandedSize <= largestExpansion;
+        return expandedSize <= largestExpansion(bytes.size());
 
     // A list that holds itself ends here, too.
     if (current.depth >= deepestNesting)

@@ -11,6 +11,6 @@ constexpr size_t deepestNesting = 256;
 /// Whether no more than deepestNesting arrays and dictionaries can be open at once.
 bool isBoundedXml(const std::string &bytes);
 
-/// Whether the list is nested no deeper than deepestNesting and comes to no more than a few times the largest
-/// file when what is referred to twice is copied.
+/// Whether the list is nested no deeper than deepestNesting and, when what is referred to twice is copied,
+/// comes to no more memory than a file of its size can need.
 bool isBoundedBinary(const std::string &bytes);
