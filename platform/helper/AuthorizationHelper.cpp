@@ -61,7 +61,8 @@ void answer(int socket, const std::string &refusal)
     HelperReply reply;
     reply.status = refusal.empty() ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
     std::strncpy(reply.reason, refusal.c_str(), sizeof reply.reason - 1);
-    send(socket, &reply, sizeof reply, MSG_NOSIGNAL);
+    // Never waits for a peer that doesn't read: its death would go unseen.
+    send(socket, &reply, sizeof reply, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 void handle(const HelperPeer &peer, const Packet &packet)

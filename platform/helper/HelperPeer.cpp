@@ -54,10 +54,14 @@ HelperPeer::HelperPeer(int socketDescriptor, const char *askingUser)
 
 bool HelperPeer::identify()
 {
+    // Only packets tell an end from an empty request.
+    int type = 0;
+    socklen_t typeSize = sizeof type;
     ucred credentials{};
     socklen_t size = sizeof credentials;
     const int on = 1;
-    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
+    if (getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &typeSize) != 0 || type != SOCK_SEQPACKET
+        || getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
         || setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0)
         return false;
     process = credentials.pid;

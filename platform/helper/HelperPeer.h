@@ -22,7 +22,8 @@ public:
     /// `askingUser` is the user id as pkexec names it, null when it wasn't pkexec that started this.
     HelperPeer(int socketDescriptor, const char *askingUser);
 
-    /// Whether the socket's other end was made by this process's parent, for the user who asked.
+    /// Whether this is a socket for packets, its other end made by this process's parent, for the user who
+    /// asked.
     bool identify();
     uid_t user() const { return userId; }
 
