@@ -11,6 +11,8 @@ namespace {
 constexpr int columnLines = 4;
 constexpr int besideColumn = 250; // the artwork and the margins in the smallest window
 constexpr int narrowestColumn = 300;
+/// Two of the longest paths and what a tool says of them. Line breaks take long to lay out.
+constexpr int longestText = 2 * 4096 + 512;
 
 bool mayBreakAfter(QChar character)
 {
@@ -19,8 +21,9 @@ bool mayBreakAfter(QChar character)
 
 } // namespace
 
-QString fittedText(const QString &text, QWidget *page)
+QString fittedText(const QString &whole, QWidget *page)
 {
+    const QString text = whole.left(longestText);
     QWidget *window = page->window();
     const QFontMetrics type = page->fontMetrics();
     const int column = std::max(window->minimumWidth() - besideColumn, narrowestColumn);
@@ -37,6 +40,6 @@ QString fittedText(const QString &text, QWidget *page)
     fitted = type.elidedText(fitted, Qt::ElideMiddle, columnLines * column);
     // Escaped only where the tip would take a folder's name for markup.
     const QString tip = Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
-    window->setToolTip(fitted == text ? QString() : tip);
+    window->setToolTip(fitted == whole ? QString() : tip);
     return fitted;
 }

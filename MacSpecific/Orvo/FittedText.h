@@ -4,7 +4,7 @@
 
 class QWidget;
 
-/// `text`, a path or a message with paths in it, as it fits on a page: a word or folder name wider than the
-/// text column and a text of more than four lines lose their middle. The page's window then carries the whole
-/// text as its tool tip, and none otherwise.
-QString fittedText(const QString &text, QWidget *page);
+/// `whole`, a path or a message with paths in it, as it fits on a page: a word or folder name wider than the
+/// text column and a text of more than four lines lose their middle, and one that never ends all but its
+/// beginning. The page's window then carries the text as its tool tip, and none otherwise.
+QString fittedText(const QString &whole, QWidget *page);
