@@ -12,6 +12,9 @@ NO_ROOM = (r"Select Database location\|The selected disk does not have enough fr
            r" \(2\.00 MB additional needed\)\. Please select another location\.$")
 ANSWER = 200
 HALF_DONE = "part; exec sleep 100"
+MUST_FINISH = """/opt/real/mv "$source" /tmp/away; : >/tmp/tool-runs; sleep 1; /opt/real/mv /tmp/away "$source" """
+# Sees no notice before the box that a password dialog would follow.
+ADMINISTRATOR = "{ cat /etc/group; echo admin:x:4711:; } >/tmp/group; mount --bind /tmp/group /etc/group"
 UNWRITABLE = "mount -o remount,ro /Library"
 
 SIGNALS = ("term", "int", "hup")
@@ -33,8 +36,8 @@ def stops():
     yield from each("before", outcome="Installing Database")
     yield from each("preparing", SIGNALS, outcome="Database was not installed", setup=UNWRITABLE)
     yield from each("running", outcome=CANCELLED, cp=HALF_DONE, answer=ANSWER)
-    yield from each("running", outcome=CANCELLED, move=True, mv=": >/tmp/tool-runs; sleep 1")
-    yield from each("recording", SIGNALS, outcome=NO_RECORD)
+    yield from each("running", outcome=CANCELLED, move=True, mv=MUST_FINISH)
+    yield from each("recording", SIGNALS, outcome=NO_RECORD, setup=ADMINISTRATOR)
     yield from each("done", outcome=INSTALLED)
 
 
@@ -52,7 +55,6 @@ FAULTS = (
     at_third("source unmounted", "umount -l /opt/Lumetra", SAID + "No such file"),
     at_third("tool killed", "part; kill -9 $$", FAILED + r"/bin/cp: crashed\.$"),
     at_third("tool killed before it opens the older file", "kill -9 $$", FAILED + r"/bin/cp: crashed\.$", older=True),
-    at_third("tool killed in the older file", "part; kill -9 $$", FAILED + r"/bin/cp: crashed\.$"),
     at_third("tool can't be started", ":", FAILED + r"/bin/cp: failed to start\.$", setup="chmod 644 /opt/cp"),
     at_third("tool hangs", "part; kill -STOP $$", CANCELLED, state="running", means="button", answer=ANSWER),
     at_third("tool warns", '/opt/real/cp "$@"; echo careful >&2; exit 0', SAID + "careful\n$"),
