@@ -86,7 +86,9 @@ FAILING("mkdir", mkdirat, (int folder, const char *path, unsigned mode), folder,
 FAILING("stat", stat, (const char *path, void *status), path, status)
 FAILING("stat", stat64, (const char *path, void *status), path, status)
 FAILING("stat", lstat, (const char *path, void *status), path, status)
+FAILING("stat", lstat64, (const char *path, void *status), path, status)
 FAILING("stat", fstat, (int file, void *status), file, status)
+FAILING("stat", fstat64, (int file, void *status), file, status)
 FAILING("stat", fstatat, (int folder, const char *path, void *status, int flags), folder, path, status, flags)
 FAILING("stat", statx, (int folder, const char *path, int flags, unsigned mask, void *status), folder, path,
     flags, mask, status)
