@@ -195,6 +195,8 @@ OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, int co
     HelperReply reply;
     if (sendmsg(socket.get(), &message, MSG_NOSIGNAL) < 0 || !isReadable(socket.get(), answerLimit)
         || recv(socket.get(), &reply, sizeof reply, 0) != sizeof reply) {
+        // A late answer must not pass for that to the next request.
+        shutdown(socket.get(), SHUT_RDWR);
         say("The helper for administrator rights has ended.");
         return errAuthorizationInternal;
     }
