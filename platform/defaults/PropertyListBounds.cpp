@@ -114,16 +114,18 @@ bool BinaryObjects::visit(const Visit &current)
         || !lengthOf(at, length, contents))
         return false;
     const uint64_t type = marker & 0xF0;
+    constexpr uint64_t firstContainer = 0xA0; // arrays; then sets, which the library takes for arrays
+    constexpr uint64_t dictionary = 0xD0;
     constexpr uint64_t utf8BytesPerUnit = 3;
-    if (type == 0x40 || type == 0x50 || type == 0x60)
+    if (type >= 0x40 && type < firstContainer)
         expandedSize += length * utf8BytesPerUnit;
-    if (type != 0xA0 && type != 0xD0)
+    if (type < firstContainer)
         return expandedSize <= largestExpansion(bytes.size());
 
     // A list that holds itself ends here, too.
     if (current.depth >= deepestNesting)
         return false;
-    return push(contents, type == 0xD0 ? 2 * length : length, current.depth + 1);
+    return push(contents, type == dictionary ? 2 * length : length, current.depth + 1);
 }
 
 bool BinaryObjects::isWithinBounds()
