@@ -7,6 +7,8 @@ void announce(QWizardPage *page)
 {
     page->setAccessibleName(page->title());
     page->setAccessibleDescription(page->subTitle());
-    QAccessibleEvent event(page, QAccessible::Alert);
+    if (!page->hasFocus())
+        return page->setFocus();
+    QAccessibleEvent event(page, QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
 }

@@ -70,6 +70,7 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
             label->setTextInteractionFlags(Qt::TextSelectableByMouse);
             label->updateGeometry(); // a text that can be marked is a little higher
         }
+        // The toolkit leaves the focus on a control of the page before, which Space would still press.
         if (currentPage())
             announce(currentPage());
     });

@@ -1,5 +1,6 @@
 #include "PickDestPage.h"
 
+#include "Announcement.h"
 #include "ButtonRow.h"
 #include "FittedText.h"
 #include "InstallState.h"
@@ -129,6 +130,7 @@ void PickDestPage::chooseDestination()
     showDestination(candidate);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))
         next->setDefault(true);
+    announce(this);
 }
 
 void PickDestPage::showDestination(const QString &path)
@@ -150,5 +152,6 @@ bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
     setSubTitle(QStringLiteral("The selected disk does not have enough free space to store the database (%1 "
                                "additional needed). Please select another location.")
                     .arg(amountText(missing)));
+    announce(this);
     return false;
 }

@@ -146,6 +146,9 @@ class User:
                 pass
         raise Unexpected(f"Tab doesn't reach {name!r}")
 
+    def wait_focus(self, role, name):
+        self.wait(lambda: self.focused(role, name), f"focus on {name!r}")
+
     def focused(self, role, name):
         control = self.find(role, name)
         return control is not None and control.getState().contains(pyatspi.STATE_FOCUSED)
