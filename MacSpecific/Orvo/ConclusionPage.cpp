@@ -185,6 +185,7 @@ void ConclusionPage::startCopying()
     connect(copyThread, &CopyThread::copyResult, this, &ConclusionPage::resultSet);
     progressBar->setMaximum(sResultList.size());
     progressBar->setFormat(QStringLiteral("%v of %m"));
+    moveBar(0); // shows "0 of ..." while the first file, perhaps a large one, is under way
     copyThread->start(QThread::InheritPriority);
 }
 
@@ -192,9 +193,10 @@ void ConclusionPage::handleResult()
 {
     if (complete)
         return;
-    complete = true;
-    // A screen reader reaches the button also while the prompt below stands.
+    // A screen reader reaches the buttons also while the prompt below stands: Cancel goes before it, and Done
+    // comes after it, since the wizard still finds the page incomplete here.
     wizard()->setOption(QWizard::NoCancelButton);
+    complete = true;
     if (stopRequested)
         resultSet(errAuthorizationCanceled, QString());
     if (errCode == 0) {

@@ -67,8 +67,8 @@ def accept_agreement(user):
     expect(user.texts(), [WELCOME, AGREEMENT, TERMS])
     expect("Brindlewerks" in user.content(AGREEMENT), True)
     expect(user.enabled("Continue"), False)
-    for change, accepted in ((user.tick, True), (user.toggle, False), (user.toggle, True)):
-        change(ACCEPT)
+    for accepted in (True, False, True):
+        user.toggle(ACCEPT)
         user.wait(lambda: user.enabled("Continue") == accepted, f"agreement accepted: {accepted}")
     user.press("Continue")
 
@@ -111,10 +111,11 @@ def install(user, subtitle):
 
 
 def see_progress(user):
-    """While the prompt stands the bar still shows, full."""
+    """While the prompt stands the bar still shows, full, and the installation isn't yet done."""
     user.wait(user.box, "message box")
     bar = user.find("progress bar", "Files installed").queryValue()
     expect((bar.currentValue, bar.maximumValue), (database.FILES, database.FILES))
+    expect((user.enabled("Cancel"), user.enabled("Done")), (False, False))
 
 
 def check_installed(content, path=DEFAULT, mode=0o775):
