@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QFontMetrics>
 #include <QLabel>
+#include <QPainter>
 #include <QPixmap>
 #include <QScreen>
 
@@ -81,6 +82,14 @@ void Orvo_Installer::SetWindowTitle(const std::string &title)
 {
     setWindowTitle(title.empty() ? tr("Welcome to the Corvane Lumetra Database Installer")
                                  : QString::fromStdString(title));
+}
+
+void Orvo_Installer::paintEvent(QPaintEvent *)
+{
+    const QPixmap artwork = pixmap(QWizard::BackgroundPixmap);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(0, (height() - artwork.height()) / 2, artwork);
 }
 
 void Orvo_Installer::reject()

@@ -22,6 +22,10 @@ public:
     /// it first, and the window stays to show the outcome.
     void reject() override;
 
+protected:
+    /// Draws the artwork where the style does, but smooth: on a scaled screen the style shows its pixels.
+    void paintEvent(QPaintEvent *event) override;
+
 private:
     ConclusionPage *installPage = nullptr;
 };
