@@ -10,12 +10,14 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QTextBrowser>
+#include <QToolTip>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-const QString longName(70, QLatin1Char('W'));
+const QString longName = "<b>R&D &lt;" + QString(230, QLatin1Char('W'));
 
 struct State {
     const char *name;
@@ -89,6 +91,21 @@ QPalette darkPalette()
     QPalette palette(QColor(53, 53, 53));
     palette.setColor(QPalette::Base, QColor(35, 35, 35));
     return palette;
+}
+
+/// The size of the window's tool tip as it comes up; invalid when that isn't the whole long name, as plain
+/// text.
+QSize toolTipSize(const QWidget &window)
+{
+    QToolTip::showText({}, window.toolTip());
+    const QString text = window.toolTip().remove('\n').remove(QChar(0x200B));
+    QSize size;
+    for (const QWidget *widget : QApplication::topLevelWidgets())
+        if (widget->inherits("QTipLabel") && text.contains(longName)
+            && !Qt::mightBeRichText(window.toolTip()))
+            size = widget->size();
+    QToolTip::hideText();
+    return size;
 }
 
 /// The contrast of two colours as the Web Content Accessibility Guidelines count it, 1 to 21.
@@ -207,6 +224,13 @@ void tst_Looks::textIsLegible()
         QVERIFY(written.save(QString("%1/%2.png").arg(folder, QTest::currentDataTag())));
 
     QVERIFY2(window.width() <= 1024 && window.height() <= 768, "larger than a small screen");
+    const QList<QLabel *> labels = window.findChildren<QLabel *>();
+    const bool elided = std::any_of(labels.begin(), labels.end(),
+        [](const QLabel *label) { return label->isVisible() && label->text().contains(QChar(0x2026)); });
+    if (elided) {
+        const QSize tip = toolTipSize(window);
+        QVERIFY2(tip.isValid() && tip.width() <= 1024 && tip.height() <= 768, "no whole tool tip");
+    }
     const QList<QWidget *> widgets = textWidgets(window);
     for (const QWidget *widget : widgets) {
         QVERIFY2(!isCut(*widget), widget->metaObject()->className());

@@ -1,7 +1,8 @@
 #include "FittedText.h"
 
 #include <QFontMetrics>
-#include <QTextDocument>
+#include <QTextLayout>
+#include <QToolTip>
 #include <QWidget>
 
 #include <algorithm>
@@ -17,6 +18,33 @@ constexpr int longestText = 2 * 4096 + 512;
 bool mayBreakAfter(QChar character)
 {
     return character == QLatin1Char('/') || character.isSpace();
+}
+
+/// `text` in lines of at most `width`: left to itself a tool tip breaks no word, and in large type reaches
+/// beyond the screen.
+QString inLines(const QString &text, int width)
+{
+    QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), QToolTip::font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        lines << layout.text().mid(line.textStart(), line.textLength()).remove(QChar::LineSeparator);
+    }
+    layout.endLayout();
+    return lines.join(QLatin1Char('\n'));
+}
+
+/// `text` with something invisible behind what would make a tool tip take a folder's name for markup.
+QString plain(QString text)
+{
+    constexpr QChar zeroWidthSpace(0x200B);
+    for (const char start : {'<', '&'})
+        text.replace(QLatin1Char(start), QLatin1Char(start) + QString(zeroWidthSpace));
+    return text;
 }
 
 } // namespace
@@ -38,8 +66,6 @@ QString fittedText(const QString &whole, QWidget *page)
     }
     // A line break counts as no width in the type's eyes.
     fitted = type.elidedText(fitted, Qt::ElideMiddle, columnLines * column);
-    // Escaped only where the tip would take a folder's name for markup.
-    const QString tip = Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
-    window->setToolTip(fitted == whole ? QString() : tip);
+    window->setToolTip(fitted == whole ? QString() : plain(inLines(text, window->minimumWidth())));
     return fitted;
 }
