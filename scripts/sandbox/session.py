@@ -2,7 +2,6 @@
 
 import os
 import plistlib
-import shutil
 import subprocess
 import sys
 from pathlib import Path
@@ -56,14 +55,20 @@ def open_session(bundle, source=None):
         status = subprocess.call(world.command(PROGRAM, display=True))
     else:
         pictures = Path("build/pictures")
-        shutil.rmtree(pictures, ignore_errors=True)
-        pictures.mkdir()
+        pictures.mkdir(exist_ok=True)
+        for old in pictures.glob("*.png"):
+            old.unlink()
         status = subprocess.call(world.command("/usr/bin/python3", SCRIPT, writable={pictures.resolve(): PICTURES}))
         print("Pictures of the pages are in build/pictures.")
     fault = f"the installer ended with status {status}" if status else end(world, wanted)
     if fault:
         print(f"run: {fault}", file=sys.stderr)
     return 1 if fault else 0
+
+
+def begun(user):
+    bar = user.find("progress bar", "Files installed")
+    return bar is not None and bar.queryValue().currentValue > 0
 
 
 def walk(user):
@@ -83,6 +88,7 @@ def walk(user):
     see("3-destination")
     user.press("Continue")
     user.wait_title("Installing Database")
+    user.wait(lambda: begun(user) or user.title() != "Installing Database", "first file", WHOLE_DAY)
     see("4-installation")
     user.wait(lambda: user.box() or user.title() != "Installing Database", "outcome", WHOLE_DAY)
     if user.box():
