@@ -3,10 +3,16 @@ configure_file(Installer.icns "${BUNDLE_CONTENTS}/Resources/Installer.icns" COPY
 get_filename_component(qt_bin_folder "${Qt5_DIR}/../../../bin" ABSOLUTE)
 find_program(MACDEPLOYQT macdeployqt HINTS "${qt_bin_folder}" REQUIRED)
 
+set(SIGNING_IDENTITY "" CACHE STRING "Identity that codesign signs the bundle in the disk image with; none: unsigned")
+
+set(staged_bundle "\"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\"")
 install(DIRECTORY "${CMAKE_BINARY_DIR}/${BUNDLE_NAME}.app" DESTINATION . USE_SOURCE_PERMISSIONS)
-install(CODE "execute_process(
-    COMMAND \"${MACDEPLOYQT}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\"
-    COMMAND_ERROR_IS_FATAL ANY)")
+install(CODE "execute_process(COMMAND \"${MACDEPLOYQT}\" ${staged_bundle} COMMAND_ERROR_IS_FATAL ANY)")
+if(SIGNING_IDENTITY)
+    install(CODE "execute_process(
+        COMMAND codesign --deep --force --timestamp --options runtime --sign \"${SIGNING_IDENTITY}\" ${staged_bundle}
+        COMMAND_ERROR_IS_FATAL ANY)")
+endif()
 
 set(CPACK_GENERATOR DragNDrop)
 set(CPACK_DMG_VOLUME_NAME "${BUNDLE_NAME}")
