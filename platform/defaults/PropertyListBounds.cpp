@@ -2,6 +2,7 @@
 
 #include "PropertyListFile.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -51,11 +52,12 @@ private:
 constexpr uint64_t trailerSize = 32;
 constexpr uint64_t nodeSize = 128;
 
-/// What a list may grow to in memory: its densest objects take 8 bytes in a large file, and the rest is for
-/// what is referred to more than once.
+/// What a list may grow to in memory: an object for every byte, which may be a reference to one, a little
+/// more for long strings that are referred to often, and in all no more than the densest of large lists
+/// needs.
 uint64_t largestExpansion(size_t listSize)
 {
-    return 16 * listSize + 2 * largestPropertyList;
+    return std::min<uint64_t>(nodeSize * listSize + largestPropertyList / 4, 16 * largestPropertyList);
 }
 
 bool BinaryObjects::number(uint64_t at, uint64_t size, uint64_t &value) const
