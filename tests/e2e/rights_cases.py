@@ -4,7 +4,6 @@ import os
 import plistlib
 import pwd
 import signal
-import stat
 import subprocess
 from dataclasses import dataclass
 from pathlib import Path
@@ -15,7 +14,7 @@ from sandbox import database, rights
 from sandbox.rights import Agent, BUNDLE, CHECKOUT, PASSWORD, PLAIN
 from sandbox.user import Unexpected
 from sandbox.world import DATABASE, HOME, PREFERENCE
-from walks import DEFAULT, NO_ACCESS, NOTICE, READY, TO_INSTALL, TO_SHARE, expect
+from walks import DEFAULT, NO_ACCESS, NOTICE, READY, TO_INSTALL, TO_SHARE, expect, owner
 
 SENTENCE = "Corvane '14 needs to configure itself to run on your system."
 TO_PROMPT = [("Continue", NOTICE), ("OK", TO_INSTALL)]
@@ -53,13 +52,11 @@ def lay_traps():
 
 def check(case, system):
     case.after(system)
-    expect(Path(SPRUNG).exists(), False)
+    expect([Path(SPRUNG).exists(), *Path("/tmp").glob("zq_computecontrol.*")], [False])
 
 
 def to_prompt(user, boxes=TO_PROMPT):
-    walks.accept_agreement(user)
-    walks.see_size(user, "0.01")
-    walks.see_destination(user)
+    walks.to_destination(user)
     user.press("Continue")
     answer(user, boxes)
 
@@ -96,8 +93,7 @@ def to_folder(folder, boxes):
     """A move with one prompt: before it where the folder takes rights, after it otherwise."""
     def steps(user):
         agent = Agent(user.program.pid, PASSWORD)
-        walks.accept_agreement(user)
-        walks.see_size(user, "0.01")
+        walks.to_destination(user)
         walks.pick_destination(user, folder, f"{folder}/Lumetra")
         user.press("Continue")
         answer(user, boxes)
@@ -121,11 +117,6 @@ def installed_for_all(system):
     expect([run.split()[0] for run in runs],
            ["/bin/mkdir", "/usr/bin/chgrp", "/bin/mkdir", "/usr/sbin/chown", "/usr/bin/defaults", "/bin/chmod"])
     expect(runs[-1], f"/bin/chmod '0775' '{DEFAULT}'")
-
-
-def owner(path):
-    status = os.stat(path)
-    return pwd.getpwuid(status.st_uid).pw_name, Path(path).group(), stat.S_IMODE(status.st_mode)
 
 
 def install_policy():

@@ -1,8 +1,8 @@
 """What a user sees and gets, told as walks through the program from its first page to its end."""
 
-import grp
 import os
 import plistlib
+import pwd
 import re
 import stat
 from dataclasses import dataclass
@@ -18,11 +18,7 @@ AGREEMENT = "License Agreement"
 TERMS = ("If you accept the terms of the agreement, click the check box below.  You must accept the agreement to"
          " install the Corvane Lumetra Database.")
 ACCEPT = "I accept the terms in the License Agreement"
-NOT_FOUND = ("The Lumetra database source folder was not found.\nPlease press \"Find data files\" to locate the"
-             " \"Lumetra\" database source files folder.")
-NO_FILES = ("No Lumetra database files were found in {}.\nPlease press \"Find data files\" to locate the"
-            " \"Lumetra\" database source files folder.")
-SIZE = ("This Installer will copy or move the Corvane Lumetra Database from {} to your hard disk.\n\n"
+SIZE = ("This Installer will copy or move the Corvane Lumetra Database from the source folders to your hard disk.\n\n"
         "The databases will occupy approximately {} GB  of additional disk space.")
 STORED_IN = ("The database will be stored in\n\n{}\n\n"
              "Click \"Continue\" to install here, or \"Choose\" to select another location.")
@@ -44,15 +40,13 @@ NO_ACCESS = ["Database was not installed", "Lumetra Database Installer was not a
 
 @dataclass
 class Walk:
-    """A walk and the world it needs; `size` bytes of sample database lie in `source` or on the USB disk."""
+    """A walk and the world it needs; `size` bytes of sample database lie beside the bundle or on the USB disk."""
 
     steps: Callable
     size: int
-    source: str = DATABASE
     sparse: bool = False
     on_usb_disk: bool = False
     library_size: Optional[int] = None
-    member: bool = True
     log_file: Optional[str] = None
 
 
@@ -73,8 +67,8 @@ def accept_agreement(user):
     user.press("Continue")
 
 
-def see_size(user, gigabytes, source="the source folders"):
-    user.wait_text(SIZE.format(source, gigabytes))
+def see_size(user, gigabytes):
+    user.wait_text(SIZE.format(gigabytes))
     expect(user.title(), WELCOME)
     user.press("Continue")
 
@@ -82,6 +76,12 @@ def see_size(user, gigabytes, source="the source folders"):
 def see_destination(user, path=DEFAULT):
     user.wait_text(STORED_IN.format(path))
     expect(user.title(), "Select Database location")
+
+
+def to_destination(user, gigabytes="0.01"):
+    accept_agreement(user)
+    see_size(user, gigabytes)
+    see_destination(user)
 
 
 def pick_destination(user, folder, path):
@@ -117,27 +117,26 @@ def see_progress(user):
     expect((bar.currentValue, bar.maximumValue), (database.FILES, database.FILES))
 
 
-def check_installed(content, path=DEFAULT, mode=0o775):
+def owner(path):
+    status = os.stat(path)
+    return pwd.getpwuid(status.st_uid).pw_name, Path(path).group(), stat.S_IMODE(status.st_mode)
+
+
+def check_installed(content, path=DEFAULT):
     expect(database.content(path), content)
     expect([entry.name for entry in Path(path).iterdir() if entry.is_dir()], [])
-    expect(stat.S_IMODE(os.stat(path).st_mode), mode)
     expect(plistlib.loads(Path(PREFERENCE).read_bytes()), {"LumetraFullDatabasePath": path})
-
-
-def check_shared(path=DEFAULT):
-    admin = grp.getgrnam("admin").gr_gid
-    for folder in (Path(path), Path(path).parent):
-        expect((stat.S_IMODE(folder.stat().st_mode), folder.stat().st_gid), (0o775, admin))
+    if path == DEFAULT:
+        expect((owner(path), owner(Path(path).parent)), (("root", "admin", 0o775), ("root", "admin", 0o775)))
+    else:
+        expect(owner(path)[2], 0o755)
 
 
 def move(user):
     content = database.content(DATABASE)
-    accept_agreement(user)
-    see_size(user, "1.23")
-    see_destination(user)
+    to_destination(user, "1.23")
     install(user, MOVING)
     check_installed(content)
-    check_shared()
     expect(list(database.data_files(DATABASE)), [])
     expect([name for name in database.DECOYS if not Path(DATABASE, name).exists()], [])
 
@@ -151,7 +150,7 @@ def keyboard(user):
     user.type("space")
     user.wait(lambda: user.enabled("Continue"), "agreement accepted")
     user.type("Return")
-    user.wait_text(SIZE.format("the source folders", "0.01"))
+    user.wait_text(SIZE.format("0.01"))
     user.type("Return")
     user.wait_text(STORED_IN.format(DEFAULT))
     user.type("Return")
@@ -173,72 +172,29 @@ def copy(user):
     see_destination(user)
     install(user, COPYING)
     check_installed(content)
-    check_shared()
     expect(database.content(DATABASE), content)
 
 
 def usb_disk(user):
     content = database.content(USB_DISK)
-    accept_agreement(user)
-    see_size(user, "0.01")
-    see_destination(user)
+    to_destination(user)
     install(user, COPYING)
     check_installed(content)
 
 
 def no_room(user):
     content = database.content(DATABASE)
-    accept_agreement(user)
-    see_size(user, "1.25")
-    see_destination(user)
+    to_destination(user, "1.25")
     user.press("Continue")
     user.wait_text(NO_ROOM.format("1.00 GB"))
     expect(user.title(), "Select Database location")
     pick_destination(user, HOME, f"{HOME}/Lumetra")
     install(user, MOVING)
-    check_installed(content, f"{HOME}/Lumetra", 0o755)
-
-
-def picked_folders(user):
-    """Neither default source exists, and the picked destination holds a Lumetra already."""
-    content = database.content(f"{HOME}/R&D Data")
-    Path(HOME, "Nothing").mkdir()
-    Path(HOME, "Lumetra").mkdir()
-    accept_agreement(user)
-    user.wait_text(NOT_FOUND)
-    expect(user.enabled("Continue"), False)
-    for folder in ("Nothing", "R&D Data"):
-        user.press("Find data files..")
-        user.pick_folder("Select Database directory", f"{HOME}/{folder}")
-        if folder == "Nothing":
-            user.wait_text(NO_FILES.format(folder))
-            expect(user.enabled("Continue"), False)
-    see_size(user, "0.01", "\"R&D Data\"")
-    see_destination(user)
-    pick_destination(user, HOME, f"{HOME}/Lumetra_0")
-    install(user, MOVING)
-    check_installed(content, f"{HOME}/Lumetra_0", 0o755)
-
-
-def denied(user):
-    """No one can be asked for a password in this world, so the rights are refused after both boxes."""
-    content = database.content(DATABASE)
-    accept_agreement(user)
-    see_size(user, "0.01")
-    see_destination(user)
-    user.press("Continue")
-    expect(user.answer_box("Continue"), [NOTICE])
-    expect(user.answer_box(), [TO_INSTALL])
-    see_end(user, NO_ACCESS)
-    expect(database.content(DATABASE), content)
-    expect(Path(PREFERENCE).exists(), False)
-    expect(list(Path("/tmp").glob("zq_computecontrol.*")), [])
+    check_installed(content, f"{HOME}/Lumetra")
 
 
 def log(user):
-    accept_agreement(user)
-    see_size(user, "0.01")
-    see_destination(user)
+    to_destination(user)
     install(user, MOVING)
     lines = Path(WALKS["log"].log_file).read_text().splitlines()
     expect(lines[0], "an earlier line")
@@ -266,8 +222,6 @@ WALKS = {
     "copy": Walk(copy, 30_000_000, library_size=100_000_000),
     "usb_disk": Walk(usb_disk, 9_000_000, on_usb_disk=True),
     "no_room": Walk(no_room, 1_250_000_000, sparse=True, library_size=100_000_000),
-    "picked_folders": Walk(picked_folders, 9_000_000, source=f"{HOME}/R&D Data"),
-    "denied": Walk(denied, 9_000_000, member=False),
     "keyboard": Walk(keyboard, 9_000_000),
     "log": Walk(log, 9_000_000, log_file=f"{HOME}/installer.log"),
 }
