@@ -48,6 +48,17 @@ inline QByteArray contentsOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// Goes on in the message box that is open; false when none is.
+inline bool acceptBox()
+{
+    const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    for (QAbstractButton *button : box ? box->buttons() : QList<QAbstractButton *>()) {
+        if (box->buttonRole(button) == QMessageBox::AcceptRole)
+            button->click();
+    }
+    return box;
+}
+
 /// Answers the modal windows as they come: a box with the name of the button to press, a folder dialog with
 /// the folder to pick. An empty answer, or none left, dismisses the window.
 class ModalAnswers : public QObject {

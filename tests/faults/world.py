@@ -141,10 +141,9 @@ def inside(case, *places):
     command = f"{case.limits} timeout -k 5 {case.seconds} {DRIVER} {case.state} {case.means} {case.delay}"
     run = subprocess.run(["sh", "-c", command], env={name: value for name, value in environment.items() if value},
                          stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    said = run.stdout.decode(errors="replace").split("\x1f")
-    page, title, text, answer, gap, left = said if len(said) == 6 else (None, "", "", -1, -1, -1)
-    return {"status": run.returncode, "page": page, "outcome": f"{title}|{text}", "answer": int(answer), "gap": int(gap),
-            "left": int(left), "wrong": invariant(case, before, older, source, title),
+    seen = {"outcome": "|", "answer": -1, "gap": -1, "left": -1, **json.loads(run.stdout or "{}")}
+    title = seen["outcome"].partition("|")[0]
+    return {**seen, "status": run.returncode, "wrong": invariant(case, before, older, source, title),
             "calls": int.from_bytes(Path("/opt/count").read_bytes()[4:8], "little"),
             "errors": run.stderr.decode(errors="replace")[-3000:]}
 
