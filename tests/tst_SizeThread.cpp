@@ -108,14 +108,6 @@ private slots:
         }
         QCOMPARE(sResultList, (QList<QFileInfo>{tree.path("empty/b.zqin"), tree.path("full/a.zqin")}));
     }
-
-    void interruptedScanHasNoResult()
-    {
-        SizeThread scanner(nullptr, "/usr");
-        connect(&scanner, &QThread::started, &scanner, &QThread::requestInterruption, Qt::DirectConnection);
-        QVERIFY(resultsOf(scanner).isEmpty());
-        QVERIFY(sResultList.isEmpty());
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_SizeThread)
