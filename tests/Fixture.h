@@ -99,44 +99,11 @@ private:
     QStringList left;
 };
 
-/// Starts the program anew in mounts of its own, which nobody else sees: "/" is a tmpfs that holds the
-/// machine's folders, so that a test can mount what it likes and make /Library. Only for root; otherwise the
-/// program goes on as it is.
-inline void enterOwnWorld(char **arguments)
+/// From here on this thread has mounts of its own, which nobody else sees. Only root can have them.
+inline bool enterOwnMounts()
 {
-    const QByteArray program = QFile::symLinkTarget("/proc/self/exe").toUtf8();
-    const QByteArray workingFolder = QDir::currentPath().toUtf8();
-    const QByteArray root = "/mnt";
-    const QByteArrayList ownFolders{root, "/Library", "/Volumes"};
-    if (geteuid() != 0 || qEnvironmentVariableIsSet("OWN_WORLD") || unshare(CLONE_NEWNS) != 0
-        || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
-        || mount("tmpfs", root.constData(), "tmpfs", 0, "mode=755") != 0)
-        return;
-    for (const QFileInfo &entry : QDir("/").entryInfoList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot)) {
-        const QByteArray name = entry.absoluteFilePath().toUtf8();
-        if (entry.isSymLink())
-            QFile::link(entry.symLinkTarget(), root + name);
-        else if (!ownFolders.contains(name) && QDir().mkdir(root + name))
-            mount(name.constData(), (root + name).constData(), nullptr, MS_BIND | MS_REC, nullptr);
-    }
-    qputenv("OWN_WORLD", "1");
-    if (chroot(root.constData()) != 0 || chdir(workingFolder.constData()) != 0)
-        qFatal("no world of its own");
-    execv(program.constData(), arguments);
+    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
-
-#define SKIP_OUTSIDE_OWN_WORLD()                                                                             \
-    if (!qEnvironmentVariableIsSet("OWN_WORLD"))                                                             \
-    QSKIP("needs mounts of its own, which only root has")
-
-#define TEST_IN_OWN_WORLD(Class)                                                                             \
-    int main(int count, char **arguments)                                                                    \
-    {                                                                                                        \
-        enterOwnWorld(arguments);                                                                            \
-        QApplication application(count, arguments);                                                          \
-        Class test;                                                                                          \
-        return QTest::qExec(&test, count, arguments);                                                        \
-    }
 
 /// Puts a file or folder, or a new file system, over a place until the end of its life.
 class Mount {

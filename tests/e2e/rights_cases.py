@@ -14,7 +14,7 @@ from sandbox import database, rights
 from sandbox.rights import Agent, BUNDLE, CHECKOUT, PASSWORD, PLAIN
 from sandbox.user import Unexpected
 from sandbox.world import DATABASE, HOME, PREFERENCE
-from walks import DEFAULT, NO_ACCESS, NOTICE, READY, TO_INSTALL, TO_SHARE, expect, owner
+from walks import DEFAULT, NO_ACCESS, NOT_WRITABLE, NOTICE, READY, TO_INSTALL, TO_SHARE, expect, owner
 
 SENTENCE = "Corvane '14 needs to configure itself to run on your system."
 TO_PROMPT = [("Continue", NOTICE), ("OK", TO_INSTALL)]
@@ -89,7 +89,7 @@ def copy(user):
     expect(agent.prompts, 2)
 
 
-def to_folder(folder, boxes):
+def to_folder(folder, boxes, end=READY, prompts=1):
     """A move with one prompt: before it where the folder takes rights, after it otherwise."""
     def steps(user):
         agent = Agent(user.program.pid, PASSWORD)
@@ -97,8 +97,8 @@ def to_folder(folder, boxes):
         walks.pick_destination(user, folder, f"{folder}/Lumetra")
         user.press("Continue")
         answer(user, boxes)
-        walks.see_end(user, READY)
-        expect(agent.prompts, 1)
+        walks.see_end(user, end)
+        expect(agent.prompts, prompts)
     return steps
 
 
@@ -208,6 +208,7 @@ CASES = {
     "copy": Case(copy, small_library, installed_for_all),
     "own_destination": Case(to_folder(HOME, TO_SHARING_PROMPT), after=lambda system: installed(system, f"{HOME}/Lumetra")),
     "system_folder": Case(to_folder("/opt", TO_PROMPT), after=lambda system: installed(system, "/opt/Lumetra")),
+    "refused_folder": Case(to_folder("/opt", [("Cancel Installation", NOTICE)], NOT_WRITABLE, 0), after=untouched),
     "wrong_password": Case(refused("wrong", -60005, 1), after=untouched),
     "dismissed": Case(dismissed, after=untouched),
     "not_an_administrator": Case(refused(PASSWORD, -60005, 0), after=untouched, rule=rights.NOBODY_MAY),

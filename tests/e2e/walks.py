@@ -36,6 +36,8 @@ NOTICE = ("Lumetra Database Installer must be installed by a user who is allowed
           " supply the name and and password of ANOTHER user with admistrator privileges. ")
 READY = ["Database Installed", "The Corvane Lumetra Database is now ready for use."]
 NO_ACCESS = ["Database was not installed", "Lumetra Database Installer was not able to access the selected location."]
+NOT_WRITABLE = [NO_ACCESS[0],
+                "Lumetra Database Installer was not able to write the database to the selected location."]
 
 
 @dataclass

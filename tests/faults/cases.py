@@ -55,7 +55,7 @@ FAULTS = (
     at_third("tool killed in the older file", "part; kill -9 $$", FAILED + r"/bin/cp: crashed\.$"),
     at_third("tool can't be started", ":", FAILED + r"/bin/cp: failed to start\.$", setup="chmod 644 /opt/cp"),
     at_third("tool hangs", "part; kill -STOP $$", CANCELLED, state="running", means="button", answer=ANSWER),
-    at_third("tool warns", '/opt/real/cp "$@"; echo careful >&2; exit 0', SAID + "careful\n$"),
+    at_third("tool warns", '/opt/real/cp "$@"; echo é 100%s >&2; exit 0', SAID + "é 100%s\n$"),
     at_third("tool fails in silence", "exit 1", INSTALLED, silent=True),
     Case("mv hangs", move=True, mv=": >/tmp/tool-runs; kill -STOP $$", outcome=CANCELLED, state="running",
          means="button", answer=34000),
