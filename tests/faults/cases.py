@@ -12,6 +12,8 @@ NO_ROOM = (r"Select Database location\|The selected disk does not have enough fr
            r" \(2\.00 MB additional needed\)\. Please select another location\.$")
 ANSWER = 200
 HALF_DONE = "part; exec sleep 100"
+# Has the file in its hands for a while: whoever kills it then loses it.
+SLOW_MOVE = ': >/tmp/tool-runs; /opt/real/mv "$source" /tmp/c; sleep 1; exec /opt/real/mv /tmp/c "$target"'
 UNWRITABLE = "mount -o remount,ro /Library"
 
 SIGNALS = ("term", "int", "hup")
@@ -33,7 +35,7 @@ def stops():
     yield from each("before", outcome="Installing Database")
     yield from each("preparing", SIGNALS, outcome="Database was not installed", setup=UNWRITABLE)
     yield from each("running", outcome=CANCELLED, cp=HALF_DONE, answer=ANSWER)
-    yield from each("running", outcome=CANCELLED, move=True, mv=": >/tmp/tool-runs; sleep 1")
+    yield from each("running", outcome=CANCELLED, move=True, mv=SLOW_MOVE)
     yield from each("recording", SIGNALS, outcome=NO_RECORD)
     yield from each("done", outcome=INSTALLED)
 
