@@ -31,12 +31,6 @@ public:
             qFatal("no file %s", qPrintable(created.fileName()));
         return path(name);
     }
-    QString script(const QString &name, const QByteArray &commands) const
-    {
-        const QString created = file(name, "#!/bin/sh\n" + commands);
-        QFile::setPermissions(created, QFile::Permissions(0x7755));
-        return created;
-    }
 
 private:
     QTemporaryDir root;

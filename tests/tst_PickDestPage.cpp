@@ -67,9 +67,10 @@ private slots:
         for (const auto &[path, probed, megabytes, size, amount] : rows) {
             const Tree tree;
             // What it answers counts, whatever its exit code.
-            tree.script("df",
-                "printf '%s' \"$*\" >" + tree.path("probed").toUtf8() + "; printf 'h\\nd 9 9 "
-                    + QByteArray::number(megabytes * 1024) + "\\n'; exit 1");
+            const QByteArray line = "d 9 9 " + QByteArray::number(megabytes * 1024);
+            QFile df(tree.file(
+                "df", "#!/bin/sh\nprintf %s \"$*\" >${0%df}probed; echo h; echo " + line + "; exit 1"));
+            df.setPermissions(QFile::Permissions(0x7755));
             qputenv("PATH", tree.path().toUtf8());
             sCopyFiles = true;
             sourcePage->dbSize = size;

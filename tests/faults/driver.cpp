@@ -72,16 +72,7 @@ private:
 
     bool ended() const { return wizard.currentId() == 3 && wizard.currentPage()->isComplete(); }
 
-    bool reached()
-    {
-        if (state == "scanning")
-            return !wizard.page(0)->isComplete();
-        if (state != "random")
-            return state == place();
-        if (wizard.currentId() == 3 && !timing.isValid())
-            timing.start();
-        return timing.isValid() && timing.hasExpired(delay);
-    }
+    bool reached() const { return state == "scanning" ? !wizard.page(0)->isComplete() : state == place(); }
 
     /// Where the user is, in the words of the command line.
     QString place() const
@@ -142,9 +133,11 @@ private:
     /// Spares the second before the installation.
     void begin(QWizardPage *page)
     {
-        if (!begun && state != "before")
-            QMetaObject::invokeMethod(page, "doCopy", Qt::QueuedConnection);
-        begun = true;
+        if (std::exchange(begun, true) || state == "before")
+            return;
+        QMetaObject::invokeMethod(page, "doCopy", Qt::QueuedConnection);
+        if (state == "random")
+            QTimer::singleShot(delay, this, &User::stop);
     }
 
     Orvo_Installer &wizard;
@@ -155,7 +148,6 @@ private:
     qint64 answer = -1;
     qint64 longestGap = 0;
     QElapsedTimer lastLook;
-    QElapsedTimer timing;
     qint64 waitedBefore = 0;
     bool begun = false;
     bool turnedDown = false;
