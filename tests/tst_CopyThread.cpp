@@ -6,22 +6,6 @@
 class tst_CopyThread : public QObject {
     Q_OBJECT
 
-    QStringList events;
-
-    /// Lets a worker run and keeps what it reports in `events`.
-    void run(const QString &destination)
-    {
-        events.clear();
-        CopyThread worker(nullptr, destination);
-        connect(&worker, &CopyThread::copyResult, this,
-            [this](int code, QString text) { events << QString("%1 %2").arg(QString::number(code), text); });
-        connect(
-            &worker, &CopyThread::copiedFile, this, [this](int done) { events << QString::number(done); });
-        connect(&worker, &CopyThread::finished, this, [this] { events << "finished"; });
-        worker.start();
-        QTRY_VERIFY_WITH_TIMEOUT(events.contains("finished"), patience);
-    }
-
 private slots:
     void filesArrive()
     {
@@ -31,10 +15,18 @@ private slots:
             sResultList.clear();
             for (const QString name : {"a.zqin", "-f \n%1 \"é'.zqin", "same.zqin", "sub/same.zqin"})
                 sResultList << tree.file("source/" + name, name.toUtf8());
-            run(tree.folder("destination"));
-            QCOMPARE(events.join(' '),
-                QString(
-                    "-100 The source database data files couldn't be found. 0  1 0  2 0  3 0  4 finished"));
+            CopyThread worker(nullptr, tree.folder("destination"));
+            QString events;
+            connect(&worker, &CopyThread::copyResult, &worker,
+                [&](int code, QString text) { events += QString::number(code) + ' ' + text + '\n'; });
+            connect(&worker, &CopyThread::copiedFile, &worker,
+                [&](int done) { events += QString::number(done) + '\n'; });
+            connect(&worker, &CopyThread::finished, &worker, [&] { events += "finished"; });
+            worker.start();
+            QTRY_COMPARE_WITH_TIMEOUT(events,
+                QString("-100 The source database data files couldn't be found.\n0 \n1\n0 \n2\n0 \n3\n0 "
+                        "\n4\nfinished"),
+                patience);
             QCOMPARE(QDir(tree.path("destination")).entryList(QDir::Files).size(), 3);
             for (const QFileInfo &file : sResultList) {
                 QCOMPARE(QFile::exists(file.filePath()), !move);
