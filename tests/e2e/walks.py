@@ -67,6 +67,9 @@ def accept_agreement(user):
         change(ACCEPT)
         user.wait(lambda: user.enabled("Continue") == accepted, f"agreement accepted: {accepted}")
     user.press("Continue")
+    user.press("Go Back")
+    user.wait_text(TERMS)
+    user.press("Continue")
 
 
 def see_size(user, gigabytes):
@@ -107,16 +110,12 @@ def install(user, subtitle):
     user.wait_text(subtitle)
     expect(user.title(), "Installing Database")
     expect((user.enabled("Go Back"), user.enabled("Done")), (False, False))
-    see_progress(user)
-    expect(user.answer_box(), [TO_SHARE])
-    see_end(user, READY)
-
-
-def see_progress(user):
-    """While the prompt stands the bar still shows, full."""
     user.wait(user.box, "message box")
+    # While the prompt stands the bar still shows, full.
     bar = user.find("progress bar", "Files installed").queryValue()
     expect((bar.currentValue, bar.maximumValue), (database.FILES, database.FILES))
+    expect(user.answer_box(), [TO_SHARE])
+    see_end(user, READY)
 
 
 def owner(path):
@@ -134,13 +133,28 @@ def check_installed(content, path=DEFAULT):
         expect(owner(path)[2], 0o755)
 
 
-def move(user):
-    content = database.content(DATABASE)
-    to_destination(user, "1.23")
-    install(user, MOVING)
+def whole_way(user, subtitle, gigabytes="0.01", source=DATABASE):
+    """From the agreement to the end, whereafter the default destination holds the content that is returned."""
+    content = database.content(source)
+    to_destination(user, gigabytes)
+    install(user, subtitle)
     check_installed(content)
+    return content
+
+
+def move(user):
+    whole_way(user, MOVING, "1.23")
     expect(list(database.data_files(DATABASE)), [])
     expect([name for name in database.DECOYS if not Path(DATABASE, name).exists()], [])
+
+
+def copy(user):
+    content = whole_way(user, COPYING, "0.03")
+    expect(database.content(DATABASE), content)
+
+
+def usb_disk(user):
+    whole_way(user, COPYING, source=USB_DISK)
 
 
 def keyboard(user):
@@ -164,26 +178,6 @@ def keyboard(user):
     check_installed(content)
 
 
-def copy(user):
-    content = database.content(DATABASE)
-    accept_agreement(user)
-    user.press("Go Back")
-    user.wait_text(TERMS)
-    user.press("Continue")
-    see_size(user, "0.03")
-    see_destination(user)
-    install(user, COPYING)
-    check_installed(content)
-    expect(database.content(DATABASE), content)
-
-
-def usb_disk(user):
-    content = database.content(USB_DISK)
-    to_destination(user)
-    install(user, COPYING)
-    check_installed(content)
-
-
 def no_room(user):
     content = database.content(DATABASE)
     to_destination(user, "1.25")
@@ -196,8 +190,7 @@ def no_room(user):
 
 
 def log(user):
-    to_destination(user)
-    install(user, MOVING)
+    whole_way(user, MOVING)
     lines = Path(WALKS["log"].log_file).read_text().splitlines()
     expect(lines[0], "an earlier line")
     form = re.compile(r"\[LumetraDatabaseInstaller (\d+)\]\w{3} \w{3} [ \d]\d \d\d:\d\d:\d\d \d{4}: (.+)")
