@@ -53,44 +53,33 @@ inline bool acceptBox()
     return box;
 }
 
-/// Answers the modal windows as they come: a box with the name of the button to press, a folder dialog with
-/// the folder to pick. An empty answer, or none left, dismisses the window.
-class ModalAnswers : public QObject {
+/// Picks the folder in the dialog that comes; an empty name dismisses it.
+class FolderPick : public QObject {
 public:
-    explicit ModalAnswers(const QStringList &answers)
-        : left(answers)
+    explicit FolderPick(const QString &folder)
+        : picked(folder)
     {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         startTimer(20);
     }
 
-    /// The texts of the boxes and the captions of the dialogs that came.
-    QStringList seen;
+    QString caption;
 
 protected:
     void timerEvent(QTimerEvent *) override
     {
-        auto *window = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (!window || !window->isVisible())
+        QDialog *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        if (!dialog || !dialog->isVisible())
             return;
-        const QString answer = left.isEmpty() ? QString() : left.takeFirst();
-        const auto *box = qobject_cast<QMessageBox *>(window);
-        seen << (box ? box->text() : window->windowTitle());
-        if (answer.isEmpty())
-            return window->reject();
-        if (!box) {
-            window->findChild<QLineEdit *>("fileNameEdit")->setText(answer);
-            return window->accept();
-        }
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text().remove('&') == answer)
-                return button->click();
-        }
-        qFatal("no button %s", qPrintable(answer));
+        caption = dialog->windowTitle();
+        if (picked.isEmpty())
+            return dialog->reject();
+        dialog->findChild<QLineEdit *>("fileNameEdit")->setText(picked);
+        dialog->accept();
     }
 
 private:
-    QStringList left;
+    const QString picked;
 };
 
 /// From here on this thread has mounts of its own, which nobody else sees. Only root can have them.

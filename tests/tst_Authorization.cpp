@@ -38,7 +38,7 @@ static bool isAlive(int process)
 class tst_Authorization : public QObject {
     Q_OBJECT
 
-    const Tree tree;
+    Tree tree;
     AuthorizationRef authorization = nullptr;
 
     OSStatus start(const char *tool, QVector<QByteArray> arguments, FILE **pipe)
@@ -71,7 +71,7 @@ class tst_Authorization : public QObject {
         return childOf(childOf(getpid()));
     }
 
-    void free()
+    void giveUpRight()
     {
         if (authorization)
             AuthorizationFree(std::exchange(authorization, nullptr), kAuthorizationFlagDestroyRights);
@@ -87,7 +87,7 @@ private slots:
 
     void cleanup()
     {
-        free();
+        giveUpRight();
         QCOMPARE(childOf(getpid()), 0);
     }
 
@@ -121,7 +121,7 @@ private slots:
 
     void toolSeesNothingAndEndsWithTheRight()
     {
-        free();
+        giveUpRight();
         const mode_t mask = umask(0);
         qputenv("LD_PRELOAD_OF_A_STRANGER", "x");
         const int inherited = dup(STDIN_FILENO);
@@ -142,7 +142,7 @@ private slots:
         QTRY_COMPARE(descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
             QStringList({"0", "1", "2"}));
         QVERIFY(isAlive(tool));
-        free();
+        giveUpRight();
         QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), 1000);
         fclose(pipe);
     }

@@ -35,7 +35,7 @@ bool isCut(const QWidget &widget)
 /// Picks the folder in the dialog that the page's button opens.
 void pick(QWizardPage *page, const QString &folder)
 {
-    const ModalAnswers answers({folder});
+    const FolderPick dialog(folder);
     page->findChild<QPushButton *>()->click();
 }
 

@@ -32,7 +32,7 @@ private slots:
                 && page->subTitle().contains("\n\n" + destination + "\n\n");
         };
         const auto pick = [&](const QString &picked) {
-            const ModalAnswers answers({picked});
+            const FolderPick dialog(picked);
             page->findChild<QPushButton *>()->click();
         };
         for (const QString name : {"/Lumetra", "/Lumetra_0", "/Lumetra_1"}) {

@@ -45,9 +45,9 @@ private slots:
             QVERIFY(!page.isComplete());
             for (const QString &pick : picks) {
                 QTRY_VERIFY_WITH_TIMEOUT(!button->isHidden() && button->isEnabled(), patience);
-                const ModalAnswers answers({pick.isEmpty() ? pick : tree.path(pick)});
+                const FolderPick dialog(pick.isEmpty() ? pick : tree.path(pick));
                 button->click();
-                QCOMPARE(answers.seen, QStringList("Select Database directory"));
+                QCOMPARE(dialog.caption, QString("Select Database directory"));
                 QCOMPARE(label->text(), QString("Scanning..."));
                 QCOMPARE(button->isEnabled(), pick.isEmpty());
             }

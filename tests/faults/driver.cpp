@@ -77,11 +77,10 @@ private:
     /// Where the user is, in the words of the command line.
     QString place() const
     {
-        const auto *modal = QApplication::activeModalWidget();
-        if (modal)
-            return qobject_cast<const QFileDialog *>(modal) ? "choosing"
-                : ended()                                   ? "recording"
-                                                            : "preparing";
+        if (qobject_cast<QFileDialog *>(QApplication::activeModalWidget()))
+            return "choosing";
+        if (QApplication::activeModalWidget())
+            return ended() ? "recording" : "preparing";
         if (wizard.currentId() == 0)
             return wizard.currentPage()->isComplete() ? "found" : "searching";
         if (wizard.currentId() == 3)
