@@ -165,10 +165,9 @@ def keyboard(user):
     user.focus("check box", ACCEPT)
     user.type("space")
     user.wait(lambda: user.enabled("Continue"), "agreement accepted")
-    user.type("Return")
-    user.wait_text(SIZE.format("0.01"))
-    user.type("Return")
-    user.wait_text(STORED_IN.format(DEFAULT))
+    for text in (SIZE.format("0.01"), STORED_IN.format(DEFAULT)):
+        user.type("Return")
+        user.wait_text(text)
     user.type("Return")
     user.wait(user.box, "message box")
     user.type("Return")

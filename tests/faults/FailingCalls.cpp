@@ -1,5 +1,5 @@
 // Preloaded into the installer and its tools: fails the Nth call of one kind among all of them. FAILING_CALLS
-// is "file:kind:N:errno"; the file holds the shared count, which begins when the installer arms it.
+// is "file:kind:N:errno"; the file holds the shared count.
 
 #include <atomic>
 #include <cerrno>
@@ -14,11 +14,9 @@
 
 namespace {
 
-struct Shared {
-    std::atomic<int> armed;
-    std::atomic<int> count;
-};
-Shared *shared = nullptr;
+using Count = std::atomic<int>;
+/// Of the calls so far; negative before the installer has armed it.
+Count *count = nullptr;
 char chosenKind[16];
 int chosenCall = 0;
 int chosenError = 0;
@@ -31,15 +29,15 @@ __attribute__((constructor)) void load()
         return;
     const long descriptor = syscall(SYS_open, file, 2 /* O_RDWR */, 0);
     void *memory =
-        mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, static_cast<int>(descriptor), 0);
+        mmap(nullptr, sizeof(Count), PROT_READ | PROT_WRITE, MAP_SHARED, static_cast<int>(descriptor), 0);
     syscall(SYS_close, descriptor);
     if (memory != MAP_FAILED)
-        shared = static_cast<Shared *>(memory);
+        count = static_cast<Count *>(memory);
 }
 
 bool mustFail(const char *kind)
 {
-    if (!shared || !shared->armed || strcmp(kind, chosenKind) != 0 || ++shared->count != chosenCall)
+    if (!count || *count < 0 || strcmp(kind, chosenKind) != 0 || ++*count != chosenCall)
         return false;
     errno = chosenError;
     return true;
@@ -58,8 +56,8 @@ bool isFile(int descriptor)
 
 extern "C" void armFailingCalls()
 {
-    if (shared)
-        shared->armed = 1;
+    if (count)
+        *count = 0;
 }
 
 // Of whatever type the arguments are, all are integers or pointers, which the machine passes alike; none of
