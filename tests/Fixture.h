@@ -31,12 +31,6 @@ public:
             qFatal("no file %s", qPrintable(created.fileName()));
         return path(name);
     }
-    QString script(const QString &name, const QByteArray &commands) const
-    {
-        const QString created = file(name, "#!/bin/sh\n" + commands);
-        QFile::setPermissions(created, QFile::Permissions(0x7755));
-        return created;
-    }
 
 private:
     QTemporaryDir root;
@@ -48,84 +42,51 @@ inline QByteArray contentsOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Answers the modal windows as they come: a box with the name of the button to press, a folder dialog with
-/// the folder to pick. An empty answer, or none left, dismisses the window.
-class ModalAnswers : public QObject {
+/// Goes on in the message box that is open; false when none is.
+inline bool acceptBox()
+{
+    const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    for (QAbstractButton *button : box ? box->buttons() : QList<QAbstractButton *>()) {
+        if (box->buttonRole(button) == QMessageBox::AcceptRole)
+            button->click();
+    }
+    return box;
+}
+
+/// Picks the folder in the dialog that comes; an empty name dismisses it.
+class FolderPick : public QObject {
 public:
-    explicit ModalAnswers(const QStringList &answers)
-        : left(answers)
+    explicit FolderPick(const QString &folder)
+        : picked(folder)
     {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         startTimer(20);
     }
 
-    /// The texts of the boxes and the captions of the dialogs that came.
-    QStringList seen;
+    QString caption;
 
 protected:
     void timerEvent(QTimerEvent *) override
     {
-        auto *window = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (!window || !window->isVisible())
+        QDialog *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        if (!dialog || !dialog->isVisible())
             return;
-        const QString answer = left.isEmpty() ? QString() : left.takeFirst();
-        const auto *box = qobject_cast<QMessageBox *>(window);
-        seen << (box ? box->text() : window->windowTitle());
-        if (answer.isEmpty())
-            return window->reject();
-        if (!box) {
-            window->findChild<QLineEdit *>("fileNameEdit")->setText(answer);
-            return window->accept();
-        }
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text().remove('&') == answer)
-                return button->click();
-        }
-        qFatal("no button %s", qPrintable(answer));
+        caption = dialog->windowTitle();
+        if (picked.isEmpty())
+            return dialog->reject();
+        dialog->findChild<QLineEdit *>("fileNameEdit")->setText(picked);
+        dialog->accept();
     }
 
 private:
-    QStringList left;
+    const QString picked;
 };
 
-/// Starts the program anew in mounts of its own, which nobody else sees: "/" is a tmpfs that holds the
-/// machine's folders, so that a test can mount what it likes and make /Library. Only for root; otherwise the
-/// program goes on as it is.
-inline void enterOwnWorld(char **arguments)
+/// From here on this thread has mounts of its own, which nobody else sees. Only root can have them.
+inline bool enterOwnMounts()
 {
-    const QByteArray program = QFile::symLinkTarget("/proc/self/exe").toUtf8();
-    const QByteArray workingFolder = QDir::currentPath().toUtf8();
-    const QByteArray root = "/mnt";
-    const QByteArrayList ownFolders{root, "/Library", "/Volumes"};
-    if (geteuid() != 0 || qEnvironmentVariableIsSet("OWN_WORLD") || unshare(CLONE_NEWNS) != 0
-        || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
-        || mount("tmpfs", root.constData(), "tmpfs", 0, "mode=755") != 0)
-        return;
-    for (const QFileInfo &entry : QDir("/").entryInfoList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot)) {
-        const QByteArray name = entry.absoluteFilePath().toUtf8();
-        if (entry.isSymLink())
-            QFile::link(entry.symLinkTarget(), root + name);
-        else if (!ownFolders.contains(name) && QDir().mkdir(root + name))
-            mount(name.constData(), (root + name).constData(), nullptr, MS_BIND | MS_REC, nullptr);
-    }
-    qputenv("OWN_WORLD", "1");
-    if (chroot(root.constData()) != 0 || chdir(workingFolder.constData()) != 0)
-        qFatal("no world of its own");
-    execv(program.constData(), arguments);
+    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
-
-#define SKIP_OUTSIDE_OWN_WORLD()                                                                             \
-    if (!qEnvironmentVariableIsSet("OWN_WORLD"))                                                             \
-    QSKIP("needs mounts of its own, which only root has")
-
-#define TEST_IN_OWN_WORLD(Class)                                                                             \
-    int main(int count, char **arguments)                                                                    \
-    {                                                                                                        \
-        enterOwnWorld(arguments);                                                                            \
-        QApplication application(count, arguments);                                                          \
-        Class test;                                                                                          \
-        return QTest::qExec(&test, count, arguments);                                                        \
-    }
 
 /// Puts a file or folder, or a new file system, over a place until the end of its life.
 class Mount {

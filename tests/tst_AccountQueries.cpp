@@ -8,7 +8,8 @@ class tst_AccountQueries : public QObject {
 private slots:
     void findsGroupsOfAnySize()
     {
-        SKIP_OUTSIDE_OWN_WORLD();
+        if (!enterOwnMounts())
+            QSKIP("needs mounts of its own, which only root has");
         // The last is larger than the tenth buffer.
         for (int count : {1, 30000, 300000}) {
             const Tree tree;
@@ -20,5 +21,5 @@ private slots:
     }
 };
 
-TEST_IN_OWN_WORLD(tst_AccountQueries)
+QTEST_GUILESS_MAIN(tst_AccountQueries)
 #include "tst_AccountQueries.moc"

@@ -1,36 +1,10 @@
+#include "Fixture.h"
+
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <QFile>
-#include <QTemporaryDir>
-#include <QtTest>
-
 #include <sys/stat.h>
-#include <unistd.h>
-
-class tst_CoreFoundation : public QObject {
-    Q_OBJECT
-
-private slots:
-    void convertsStrings_data();
-    void convertsStrings();
-    void preferenceIsReadFromTheUsersFile_data();
-    void preferenceIsReadFromTheUsersFile();
-    void specialFilesAreNoPreferences();
-    void fileNamesAreUtf8InTheCLocale();
-};
 
 using Bytes = QByteArray;
-
-void tst_CoreFoundation::convertsStrings_data()
-{
-    QTest::addColumn<Bytes>("utf8");
-    QTest::addColumn<int>("length");
-    QTest::addColumn<Bytes>("macRoman");
-    QTest::newRow("upper half") << Bytes("aä€\u03a9\u02c7") << 5 << Bytes("a\x8a\xdb\xbd\xff");
-    QTest::newRow("outside Mac Roman") << Bytes("aж") << 2 << Bytes();
-    QTest::newRow("outside the basic plane") << Bytes("\xf0\x9f\x98\x80") << 2 << Bytes();
-    QTest::newRow("not UTF-8") << Bytes("a\xe4") << -1 << Bytes();
-}
 
 /// The string in the encoding, from a buffer that fits exactly; null when it can't be had.
 static Bytes bytesOf(CFStringRef string, CFStringEncoding encoding)
@@ -42,49 +16,6 @@ static Bytes bytesOf(CFStringRef string, CFStringEncoding encoding)
             return buffer.at(int(size)) == '#' ? Bytes(buffer.constData()) : Bytes("overrun");
     }
     return {};
-}
-
-void tst_CoreFoundation::convertsStrings()
-{
-    QFETCH(Bytes, utf8);
-    QFETCH(int, length);
-    QFETCH(Bytes, macRoman);
-    CFStringRef string = CFStringCreateWithCString(kCFAllocatorDefault, utf8, kCFStringEncodingUTF8);
-    QCOMPARE(string != nullptr, length >= 0);
-    if (!string)
-        return;
-    QCOMPARE(int(CFStringGetLength(string)), length);
-    QCOMPARE(bytesOf(string, kCFStringEncodingUTF8), utf8);
-    QCOMPARE(bytesOf(string, kCFStringEncodingMacRoman), macRoman);
-    CFRelease(string);
-}
-
-static Bytes xmlList(const Bytes &value)
-{
-    return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Key</key>" + value + "</dict></plist>";
-}
-
-static Bytes corpus(const char *name)
-{
-    QFile file(QFINDTESTDATA("fuzz/corpus/propertylist/") + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : xmlList("<string>no such file</string>");
-}
-
-void tst_CoreFoundation::preferenceIsReadFromTheUsersFile_data()
-{
-    QTest::addColumn<Bytes>("file");
-    QTest::addColumn<Bytes>("value");
-    QTest::newRow("string") << xmlList("<string>/tmp/ü &amp; log</string>") << Bytes("/tmp/ü & log");
-    QTest::newRow("another type") << xmlList("<integer>4</integer>") << Bytes("(another type)");
-    QTest::newRow("another key") << xmlList("").replace("<key>Key</key>", "") << Bytes();
-    QTest::newRow("no dictionary") << Bytes("<plist><string>Key</string></plist>") << Bytes();
-    QTest::newRow("one bracket") << Bytes("<") << Bytes();
-    QTest::newRow("cut off") << xmlList("<string>x</string>").left(70) << Bytes();
-    QTest::newRow("not UTF-8") << xmlList("<string>\xe4</string>") << Bytes();
-    QTest::newRow("too large") << xmlList("<string>" + Bytes(5 << 20, 'x') + "</string>") << Bytes();
-    QTest::newRow("nested deeply") << xmlList(Bytes("<array>").repeated(400000)) << Bytes();
-    QTest::newRow("binary, nested deeply") << corpus("deep.bin") << Bytes();
-    QTest::newRow("binary that grows without end") << corpus("growing.bin") << Bytes();
 }
 
 /// The preference of the fixed domain and key as bytes; null when there is none.
@@ -100,40 +31,72 @@ static Bytes preference()
     return bytes;
 }
 
-static QString makeHome(const QTemporaryDir &home)
+static Bytes xmlList(const Bytes &value)
 {
-    qputenv("HOME", QFile::encodeName(home.path()));
-    QDir(home.path()).mkpath("Library/Preferences");
-    return home.filePath("Library/Preferences/org.example.test.plist");
+    return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Key</key>" + value + "</dict></plist>";
 }
 
-void tst_CoreFoundation::preferenceIsReadFromTheUsersFile()
-{
-    QFETCH(Bytes, file);
-    QTemporaryDir home;
-    QFile list(makeHome(home));
-    QVERIFY(list.open(QIODevice::WriteOnly));
-    list.write(file);
-    list.close();
-    QTEST(preference(), "value");
-}
+class tst_CoreFoundation : public QObject {
+    Q_OBJECT
 
-void tst_CoreFoundation::specialFilesAreNoPreferences()
-{
-    QTemporaryDir home;
-    const QString path = makeHome(home);
-    QCOMPARE(mkfifo(QFile::encodeName(path), 0600), 0);
-    QCOMPARE(preference(), Bytes());
-    QVERIFY(QFile::remove(path) && QFile::link("/dev/zero", path));
-    QCOMPARE(preference(), Bytes());
-}
+private slots:
+    void convertsStrings()
+    {
+        struct {
+            Bytes utf8, macRoman;
+            int length;
+        } const rows[] = {{"aä€\u03a9\u02c7", "a\x8a\xdb\xbd\xff", 5}, {"aж", {}, 2}, {"😀", {}, 2},
+            {"not UTF-8: \xe4", {}, -1}};
+        for (const auto &[utf8, macRoman, length] : rows) {
+            CFStringRef string = CFStringCreateWithCString(kCFAllocatorDefault, utf8, kCFStringEncodingUTF8);
+            QCOMPARE(string != nullptr, length >= 0);
+            if (!string)
+                continue;
+            QCOMPARE(int(CFStringGetLength(string)), length);
+            QCOMPARE(bytesOf(string, kCFStringEncodingUTF8), utf8);
+            QCOMPARE(bytesOf(string, kCFStringEncodingMacRoman), macRoman);
+            CFRelease(string);
+        }
+    }
 
-void tst_CoreFoundation::fileNamesAreUtf8InTheCLocale()
-{
-    QTemporaryDir folder;
-    QVERIFY(QFile(folder.filePath(QString::fromUtf8("fünf"))).open(QIODevice::WriteOnly));
-    QCOMPARE(access(folder.path().toLatin1() + "/f\xc3\xbcnf", F_OK), 0);
-}
+    void preferenceIsReadFromTheUsersFile()
+    {
+        const QString corpus = QFINDTESTDATA("fuzz/corpus/propertylist/");
+        const std::pair<Bytes, Bytes> rows[] = {
+            {xmlList("<string>/tmp/ü &amp; log</string>"), "/tmp/ü & log"},
+            {xmlList("<integer>4</integer>"), "(another type)"},
+            {xmlList("").replace("<key>Key</key>", ""), {}}, {"<plist><string>Key</string></plist>", {}},
+            {"<", {}}, {xmlList("<string>cut off</string>").left(75), {}},
+            {xmlList("<string>\xe4</string>"), {}},
+            {xmlList("<string>too large</string>") + Bytes(5 << 20, ' '), {}},
+            {xmlList(Bytes("<array>").repeated(400000)), {}}, {contentsOf(corpus + "deep.bin"), {}},
+            {contentsOf(corpus + "growing.bin"), {}}};
+        for (const auto &[file, value] : rows) {
+            const Tree home;
+            qputenv("HOME", home.path().toUtf8());
+            home.file("Library/Preferences/org.example.test.plist", file);
+            QVERIFY2(!file.isEmpty() && preference() == value, file.left(100));
+        }
+    }
+
+    void specialFilesAreNoPreferences()
+    {
+        const Tree home;
+        qputenv("HOME", home.path().toUtf8());
+        const QString path = home.folder("Library/Preferences") + "/org.example.test.plist";
+        QCOMPARE(mkfifo(QFile::encodeName(path), 0600), 0);
+        QCOMPARE(preference(), Bytes());
+        QVERIFY(QFile::remove(path) && QFile::link("/dev/zero", path));
+        QCOMPARE(preference(), Bytes());
+    }
+
+    void fileNamesAreUtf8InTheCLocale()
+    {
+        const Tree tree;
+        tree.file("fünf");
+        QCOMPARE(access(tree.path().toLatin1() + "/f\xc3\xbcnf", F_OK), 0);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_CoreFoundation)
 #include "tst_CoreFoundation.moc"

@@ -31,14 +31,13 @@ bool isCut(const QWidget &widget)
     if (qobject_cast<const QLabel *>(&widget))
         return widget.heightForWidth(widget.width()) > widget.height()
             || widget.minimumSizeHint().width() > widget.width();
-    const QSize needed = widget.minimumSizeHint();
-    return needed.width() > widget.width() || needed.height() > widget.height();
+    return widget.minimumSizeHint() != widget.minimumSizeHint().boundedTo(widget.size());
 }
 
 /// Picks the folder in the dialog that the page's button opens.
 void pick(QWizardPage *page, const QString &folder)
 {
-    const ModalAnswers answers({folder});
+    const FolderPick dialog(folder);
     page->findChild<QPushButton *>()->click();
 }
 
@@ -108,20 +107,20 @@ QSize toolTipSize(const QWidget &window)
     return size;
 }
 
+double luminance(QRgb colour)
+{
+    const auto linear = [](int channel) {
+        const double part = channel / 255.0;
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) + 0.0722 * linear(qBlue(colour));
+}
+
 /// The contrast of two colours as the Web Content Accessibility Guidelines count it, 1 to 21.
 double contrast(QRgb first, QRgb second)
 {
-    const auto luminance = [](QRgb colour) {
-        const auto linear = [](int channel) {
-            const double part = channel / 255.0;
-            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour))
-            + 0.0722 * linear(qBlue(colour));
-    };
-    const double one = luminance(first) + 0.05;
-    const double other = luminance(second) + 0.05;
-    return one > other ? one / other : other / one;
+    const auto [darker, lighter] = std::minmax({luminance(first), luminance(second)});
+    return (lighter + 0.05) / (darker + 0.05);
 }
 
 /// The visible, enabled widgets of the window that show text.
@@ -154,23 +153,22 @@ void makeTextInvisible(QWidget &widget)
 /// two pictures differ, its colour the strongest found there.
 double lowestContrast(const QImage &written, const QImage &blank)
 {
-    QList<QPoint> ink;
+    QVector<QRgb> behind;
     QRgb colour = 0;
     double strongest = 0;
     for (int y = 0; y < written.height(); ++y)
         for (int x = 0; x < written.width(); ++x) {
             if (written.pixel(x, y) == blank.pixel(x, y))
                 continue;
-            ink.append({x, y});
-            const double here = contrast(written.pixel(x, y), blank.pixel(x, y));
-            if (here > strongest) {
+            behind.append(blank.pixel(x, y));
+            if (const double here = contrast(written.pixel(x, y), behind.last()); here > strongest) {
                 strongest = here;
                 colour = written.pixel(x, y);
             }
         }
     double lowest = strongest;
-    for (const QPoint &point : ink)
-        lowest = std::min(lowest, contrast(colour, blank.pixel(point)));
+    for (const QRgb pixel : behind)
+        lowest = std::min(lowest, contrast(colour, pixel));
     return lowest;
 }
 
@@ -180,77 +178,73 @@ class tst_Looks : public QObject {
     Q_OBJECT
 
 private slots:
-    void textIsLegible_data();
-    void textIsLegible();
+    void textIsLegible_data()
+    {
+        QTest::addColumn<int>("state");
+        QTest::addColumn<bool>("dark");
+        QTest::addColumn<int>("typeSize");
+        for (const bool dark : {false, true})
+            for (const int typeSize : {100, 200})
+                for (size_t state = 0; state < std::size(states); ++state)
+                    QTest::addRow("%s-%s-%d", states[state].name, dark ? "dark" : "light", typeSize)
+                        << int(state) << dark << typeSize;
+    }
+
+    void textIsLegible()
+    {
+        QFETCH(int, state);
+        QFETCH(bool, dark);
+        QFETCH(int, typeSize);
+        const QPalette light = QApplication::style()->standardPalette();
+        // Begun in the other palette: the desktop may change it at any time.
+        QApplication::setPalette(dark ? light : darkPalette());
+        QFont font = QApplication::font();
+        font.setPointSize(11 * typeSize / 100);
+        QApplication::setFont(font);
+
+        Orvo_Installer window;
+        // To the last page by a jump: going on to it would measure the disk.
+        window.setStartId(states[state].page == 3 ? 3 : 1);
+        window.show();
+        while (window.currentId() != states[state].page)
+            window.next();
+        QApplication::setPalette(dark ? darkPalette() : light);
+        states[state].enter(window.currentPage());
+        // Lays out, but starts no installation: timers wait for the event loop.
+        QCoreApplication::sendPostedEvents();
+
+        const QImage written = window.grab().toImage();
+        if (const QString folder = qEnvironmentVariable("LOOKS_PICTURES"); !folder.isEmpty())
+            QVERIFY(written.save(QString("%1/%2.png").arg(folder, QTest::currentDataTag())));
+        QVERIFY2(window.width() <= 1024 && window.height() <= 768, "larger than a small screen");
+        const QList<QLabel *> labels = window.findChildren<QLabel *>();
+        const bool elided = std::any_of(labels.begin(), labels.end(),
+            [](const QLabel *label) { return label->isVisible() && label->text().contains(QChar(0x2026)); });
+        if (elided) {
+            const QSize tip = toolTipSize(window);
+            QVERIFY2(tip.isValid() && tip.width() <= 1024 && tip.height() <= 768, "no whole tool tip");
+        }
+        const QList<QWidget *> widgets = textWidgets(window);
+        for (const QWidget *widget : widgets) {
+            const char *name = widget->metaObject()->className();
+            QVERIFY2(!isCut(*widget), name);
+            QVERIFY2(window.rect().contains(inWindow(*widget)), name);
+            for (const QWidget *other : widgets)
+                QVERIFY2(other == widget || !inWindow(*other).intersects(inWindow(*widget)), name);
+        }
+
+        for (QWidget *widget : widgets)
+            makeTextInvisible(*widget);
+        const QImage blank = window.grab().toImage();
+        for (const QWidget *widget : widgets) {
+            const qreal scale = written.devicePixelRatio();
+            const QRect area(inWindow(*widget).topLeft() * scale, widget->size() * scale);
+            const double found = lowestContrast(written.copy(area), blank.copy(area));
+            QVERIFY2(found > 1, "no text found");
+            QVERIFY2(found >= 4.5, qPrintable(widget->metaObject()->className() + QString(" %1").arg(found)));
+        }
+    }
 };
-
-void tst_Looks::textIsLegible_data()
-{
-    QTest::addColumn<int>("state");
-    QTest::addColumn<bool>("dark");
-    QTest::addColumn<int>("typeSize");
-    for (const bool dark : {false, true})
-        for (const int typeSize : {100, 200})
-            for (size_t state = 0; state < std::size(states); ++state)
-                QTest::addRow("%s-%s-%d", states[state].name, dark ? "dark" : "light", typeSize)
-                    << int(state) << dark << typeSize;
-}
-
-void tst_Looks::textIsLegible()
-{
-    QFETCH(int, state);
-    QFETCH(bool, dark);
-    QFETCH(int, typeSize);
-    // Begun in the other palette: the desktop may change it at any time.
-    QApplication::setPalette(!dark ? darkPalette() : QApplication::style()->standardPalette());
-    QFont font = QApplication::font();
-    font.setPointSize(11 * typeSize / 100);
-    QApplication::setFont(font);
-
-    Orvo_Installer window;
-    // To the last page by a jump: going on to it would measure the disk.
-    window.setStartId(states[state].page == 3 ? 3 : 1);
-    window.show();
-    while (window.currentId() != states[state].page)
-        window.next();
-    QApplication::setPalette(dark ? darkPalette() : QApplication::style()->standardPalette());
-    states[state].enter(window.currentPage());
-    QCoreApplication::sendPostedEvents(); // lays out, but starts no installation: timers wait for the event
-                                          // loop
-
-    const QString folder = qEnvironmentVariable("LOOKS_PICTURES");
-    const QImage written = window.grab().toImage();
-    if (!folder.isEmpty())
-        QVERIFY(written.save(QString("%1/%2.png").arg(folder, QTest::currentDataTag())));
-
-    QVERIFY2(window.width() <= 1024 && window.height() <= 768, "larger than a small screen");
-    const QList<QLabel *> labels = window.findChildren<QLabel *>();
-    const bool elided = std::any_of(labels.begin(), labels.end(),
-        [](const QLabel *label) { return label->isVisible() && label->text().contains(QChar(0x2026)); });
-    if (elided) {
-        const QSize tip = toolTipSize(window);
-        QVERIFY2(tip.isValid() && tip.width() <= 1024 && tip.height() <= 768, "no whole tool tip");
-    }
-    const QList<QWidget *> widgets = textWidgets(window);
-    for (const QWidget *widget : widgets) {
-        QVERIFY2(!isCut(*widget), widget->metaObject()->className());
-        QVERIFY2(window.rect().contains(inWindow(*widget)), widget->metaObject()->className());
-        for (const QWidget *other : widgets)
-            QVERIFY2(other == widget || !inWindow(*other).intersects(inWindow(*widget)),
-                other->metaObject()->className());
-    }
-
-    for (QWidget *widget : widgets)
-        makeTextInvisible(*widget);
-    const QImage blank = window.grab().toImage();
-    for (const QWidget *widget : widgets) {
-        const qreal scale = written.devicePixelRatio();
-        const QRect area(inWindow(*widget).topLeft() * scale, widget->size() * scale);
-        const double found = lowestContrast(written.copy(area), blank.copy(area));
-        QVERIFY2(found > 1, "no text found");
-        QVERIFY2(found >= 4.5, qPrintable(widget->metaObject()->className() + QString(" %1").arg(found)));
-    }
-}
 
 QTEST_MAIN(tst_Looks)
 #include "tst_Looks.moc"

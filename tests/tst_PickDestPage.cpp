@@ -13,8 +13,6 @@ class tst_PickDestPage : public QObject {
     SourcePage *sourcePage = new SourcePage;
     PickDestPage *page = new PickDestPage;
     const QString proposal = "/Library/Application Support/Brindlewerks/Lumetra";
-    const QString offer = "The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or "
-                          "\"Choose\" to select another location.";
 
 private slots:
     void initTestCase()
@@ -29,23 +27,26 @@ private slots:
     {
         const Tree tree;
         const QString folder = tree.folder("%1 \n é");
-        auto *button = page->findChild<QPushButton *>();
-        const auto pick = [&](const QString &picked, const QString &destination) {
-            const ModalAnswers answers({picked});
-            button->click();
-            QCOMPARE(wizard.field("path").toString(), destination);
-            QCOMPARE(page->subTitle(), QString(offer).replace("%1", destination));
+        const auto isOffered = [&](const QString &destination) {
+            return wizard.field("path") == destination
+                && page->subTitle().contains("\n\n" + destination + "\n\n");
         };
-        for (const char *name : {"/Lumetra", "/Lumetra_0", "/Lumetra_1"}) {
-            pick(folder, folder + name);
-            tree.file("%1 \n é" + QString(name));
+        const auto pick = [&](const QString &picked) {
+            const FolderPick dialog(picked);
+            page->findChild<QPushButton *>()->click();
+        };
+        for (const QString name : {"/Lumetra", "/Lumetra_0", "/Lumetra_1"}) {
+            pick(folder);
+            QVERIFY2(isOffered(folder + name), qPrintable(page->subTitle()));
+            tree.file("%1 \n é" + name);
         }
-        pick("/", "//Lumetra");
-        pick("", "//Lumetra");
+        for (const char *picked : {"/", ""}) {
+            pick(picked);
+            QVERIFY2(isOffered("//Lumetra"), qPrintable(page->subTitle()));
+        }
         page->hide();
         page->show();
-        QCOMPARE(wizard.field("path").toString(), proposal);
-        QCOMPARE(page->subTitle(), offer.arg(proposal));
+        QVERIFY(isOffered(proposal));
     }
 
     void refusesWhatDoesNotFit()
@@ -66,19 +67,18 @@ private slots:
         for (const auto &[path, probed, megabytes, size, amount] : rows) {
             const Tree tree;
             // What it answers counts, whatever its exit code.
-            tree.script("df",
-                "printf '%s' \"$*\" >" + tree.path("probed").toUtf8() + "; printf 'h\\nd 9 9 "
-                    + QByteArray::number(megabytes * 1024) + "\\n'; exit 1");
+            const QByteArray line = "d 9 9 " + QByteArray::number(megabytes * 1024);
+            QFile df(tree.file(
+                "df", "#!/bin/sh\nprintf %s \"$*\" >${0%df}probed; echo h; echo " + line + "; exit 1"));
+            df.setPermissions(QFile::Permissions(0x7755));
             qputenv("PATH", tree.path().toUtf8());
             sCopyFiles = true;
             sourcePage->dbSize = size;
             wizard.setField("path", path);
             page->setSubTitle("before");
-            const QString refusal =
-                "The selected disk does not have enough free space to store the database (%1 "
-                "additional needed). Please select another location.";
             QCOMPARE(page->validatePage(), amount.isEmpty());
-            QCOMPARE(page->subTitle(), amount.isEmpty() ? "before" : refusal.arg(amount));
+            QVERIFY2(page->subTitle().contains(amount.isEmpty() ? "before" : " (" + amount + " additional"),
+                qPrintable(page->subTitle()));
             QCOMPARE(QString::fromUtf8(contentsOf(tree.path("probed"))), "-k " + probed);
             QVERIFY(!sCopyFiles);
         }

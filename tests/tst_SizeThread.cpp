@@ -7,7 +7,6 @@
 #include <QRandomGenerator>
 #include <QSignalSpy>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 class tst_SizeThread : public QObject {
@@ -79,14 +78,13 @@ private slots:
     void deepestPathFitsASmallStack()
     {
         const Tree tree;
-        int folder = open(tree.path().toUtf8().constData(), O_PATH);
-        for (int level = (4095 - tree.path("a.zqin").size()) / 2; level > 0; --level) {
-            QCOMPARE(mkdirat(folder, "d", 0755), 0);
-            const int next = openat(folder, "d", O_PATH);
-            close(std::exchange(folder, next));
-        }
-        close(openat(folder, "a.zqin", O_WRONLY | O_CREAT, 0644));
-        close(folder);
+        const QString before = QDir::currentPath();
+        QDir::setCurrent(tree.path());
+        // One step at a time, since no call takes a path of this length.
+        for (int level = (4095 - tree.path("a.zqin").size()) / 2; level > 0; --level)
+            QVERIFY(mkdir("d", 0755) == 0 && chdir("d") == 0);
+        QVERIFY(QFile("a.zqin").open(QIODevice::WriteOnly));
+        QDir::setCurrent(before);
         SizeThread scanner(nullptr, tree.path());
         scanner.setStackSize(512 * 1024);
         const Results results = resultsOf(scanner);
@@ -107,14 +105,6 @@ private slots:
             QCOMPARE(resultsOf(scanner), (Results{{tree.path(name), size}}));
         }
         QCOMPARE(sResultList, (QList<QFileInfo>{tree.path("empty/b.zqin"), tree.path("full/a.zqin")}));
-    }
-
-    void interruptedScanHasNoResult()
-    {
-        SizeThread scanner(nullptr, "/usr");
-        connect(&scanner, &QThread::started, &scanner, &QThread::requestInterruption, Qt::DirectConnection);
-        QVERIFY(resultsOf(scanner).isEmpty());
-        QVERIFY(sResultList.isEmpty());
     }
 };
 

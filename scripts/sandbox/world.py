@@ -26,16 +26,14 @@ class World:
     """One world under `root`.
 
     `library_size` gives /Library a disk of its own with so many bytes. `mounts` maps folders of the machine to
-    places in the world, read-only: each is another device to the installer. `member` false makes the user a
-    plain one, outside the group `admin`, to whom /Library is closed.
+    places in the world, read-only: each is another device to the installer.
     """
 
-    def __init__(self, root, bundle, library_size=None, mounts=None, member=True):
+    def __init__(self, root, bundle, library_size=None, mounts=None):
         self.root = Path(root).resolve()
         self.bundle = Path(bundle).resolve()
         self.library_size = library_size
         self.mounts = dict(mounts or {})
-        self.member = member
         self.superuser = os.geteuid() == 0
 
     def path(self, inside):
@@ -47,13 +45,7 @@ class World:
         self.remove()
         for folder in FOLDERS:
             (self.root / folder).mkdir(parents=True)
-        if not self.member:
-            for folder in (self.root / "Library").rglob("*"):
-                folder.chmod(0o555)
-            (self.root / "Library").chmod(0o555)
-            if self.superuser:
-                os.chown(self.path(HOME), PLAIN_UID, PLAIN_GID)
-        admin = 0 if self.member and not self.superuser else ADMIN_GID
+        admin = ADMIN_GID if self.superuser else 0
         self._add_account("group", "admin", f"x:{admin}:")
         self._add_account("passwd", "installer", f"x:{PLAIN_UID}:{PLAIN_GID}:The Installer:{HOME}:/bin/sh")
 
@@ -87,8 +79,6 @@ class World:
         for name, value in settings.items():
             command += ["--setenv", name, value]
         command += ["--chdir", "/", "--"]
-        if self.superuser and not self.member:
-            command += ["setpriv", "--reuid", str(PLAIN_UID), "--regid", str(PLAIN_GID), "--clear-groups"]
         return [str(part) for part in [*command, *argv]]
 
     def _account_file(self, kind):
@@ -102,8 +92,7 @@ class World:
     def _identity(self):
         if self.superuser:
             return []
-        uid, gid = (0, 0) if self.member else (PLAIN_UID, PLAIN_GID)
-        return ["--unshare-user", "--uid", str(uid), "--gid", str(gid)]
+        return ["--unshare-user", "--uid", "0", "--gid", "0"]
 
     def _system(self):
         mounts = ["--ro-bind", "/usr", "/usr", "--ro-bind", "/etc", "/etc",

@@ -4,7 +4,6 @@ import os
 import plistlib
 import pwd
 import signal
-import stat
 import subprocess
 from dataclasses import dataclass
 from pathlib import Path
@@ -15,11 +14,12 @@ from sandbox import database, rights
 from sandbox.rights import Agent, BUNDLE, CHECKOUT, PASSWORD, PLAIN
 from sandbox.user import Unexpected
 from sandbox.world import DATABASE, HOME, PREFERENCE
-from walks import DEFAULT, NO_ACCESS, NOTICE, READY, TO_INSTALL, TO_SHARE, expect
+from walks import DEFAULT, NO_ACCESS, NOT_WRITABLE, NOTICE, READY, TO_INSTALL, TO_SHARE, expect, owner
 
 SENTENCE = "Corvane '14 needs to configure itself to run on your system."
 TO_PROMPT = [("Continue", NOTICE), ("OK", TO_INSTALL)]
 TO_SHARING_PROMPT = [("Continue", NOTICE), ("OK", TO_SHARE)]
+CANCELLED = [("Cancel Installation", NOTICE)]
 PARENT = os.path.dirname(DEFAULT)
 SPRUNG = "/tmp/a trap was sprung"
 
@@ -53,13 +53,13 @@ def lay_traps():
 
 def check(case, system):
     case.after(system)
-    expect(Path(SPRUNG).exists(), False)
+    expect([Path(SPRUNG).exists(), *Path("/tmp").glob("zq_computecontrol.*")], [False])
 
 
-def to_prompt(user, boxes=TO_PROMPT):
-    walks.accept_agreement(user)
-    walks.see_size(user, "0.01")
-    walks.see_destination(user)
+def to_prompt(user, boxes=TO_PROMPT, folder=None):
+    walks.to_destination(user)
+    if folder:
+        walks.pick_destination(user, folder, f"{folder}/Lumetra")
     user.press("Continue")
     answer(user, boxes)
 
@@ -69,18 +69,23 @@ def answer(user, boxes):
         expect(user.answer_box(button), [text])
 
 
+def attended(boxes=TO_PROMPT, end=READY, prompts=1, folder=None, password=PASSWORD, asked="", said=()):
+    """All the way, with somebody who types the password, if there is one; `said` are on standard error then."""
+    def steps(user):
+        agent = Agent(user.program.pid, password) if password else None
+        to_prompt(user, boxes, folder)
+        walks.see_end(user, end)
+        if agent:
+            expect((agent.prompts, asked in agent.said, bool(agent.said)), (prompts, True, prompts > 0))
+        expect([text for text in said if text not in user.errors()], [])
+    return steps
+
+
 def helpers_end():
     rights.wait(lambda: not rights.helpers(), "end of the helper", limit=1)
 
 
 # Rights that are granted
-
-def move(user):
-    agent = Agent(user.program.pid, PASSWORD)
-    to_prompt(user)
-    walks.see_end(user, READY)
-    expect((agent.prompts, SENTENCE in agent.said), (1, True))
-
 
 def copy(user):
     agent = Agent(user.program.pid, PASSWORD)
@@ -90,20 +95,6 @@ def copy(user):
     answer(user, TO_SHARING_PROMPT)
     walks.see_end(user, READY)
     expect(agent.prompts, 2)
-
-
-def to_folder(folder, boxes):
-    """A move with one prompt: before it where the folder takes rights, after it otherwise."""
-    def steps(user):
-        agent = Agent(user.program.pid, PASSWORD)
-        walks.accept_agreement(user)
-        walks.see_size(user, "0.01")
-        walks.pick_destination(user, folder, f"{folder}/Lumetra")
-        user.press("Continue")
-        answer(user, boxes)
-        walks.see_end(user, READY)
-        expect(agent.prompts, 1)
-    return steps
 
 
 def installed(_, path=DEFAULT):
@@ -123,11 +114,6 @@ def installed_for_all(system):
     expect(runs[-1], f"/bin/chmod '0775' '{DEFAULT}'")
 
 
-def owner(path):
-    status = os.stat(path)
-    return pwd.getpwuid(status.st_uid).pw_name, Path(path).group(), stat.S_IMODE(status.st_mode)
-
-
 def install_policy():
     rights.run(f"{CHECKOUT}/scripts/setup", "--policy", BUNDLE)
 
@@ -140,31 +126,18 @@ def small_library():
 
 # Rights that are refused
 
-def refused(password, status, prompts, said=""):
-    def steps(user):
-        agent = Agent(user.program.pid, password) if password else None
-        to_prompt(user)
-        walks.see_end(user, NO_ACCESS)
-        expect(agent.prompts if agent else 0, prompts)
-        expect((f"AuthorizationCopyRights failed: status={status}" in user.errors(), said in user.errors()),
-               (True, True))
-    return steps
+def refused(password, status, prompts=0, said=""):
+    return attended(end=NO_ACCESS, prompts=prompts, password=password,
+                    said=[f"AuthorizationCopyRights failed: status={status}", said])
 
 
 def dismissed(user):
     agent = subprocess.Popen([f"{CHECKOUT}/tests/e2e/dismiss", str(user.program.pid)], stdout=subprocess.PIPE,
                              text=True)
     expect(agent.stdout.readline(), "ready\n")
-    refused(None, -60006, 0)(user)
+    refused(None, -60006)(user)
     agent.kill()
     expect(len(agent.stdout.readlines()), 1)
-
-
-def declined(user):
-    agent = Agent(user.program.pid, PASSWORD)
-    to_prompt(user, [("Cancel Installation", NOTICE)])
-    walks.see_end(user, NO_ACCESS)
-    expect(agent.said, "")
 
 
 def untouched(_):
@@ -203,33 +176,26 @@ def kill_helpers_at_first_file():
         os.kill(process, signal.SIGKILL)
 
 
-def ready_though(said):
-    def steps(user):
-        Agent(user.program.pid, PASSWORD)
-        to_prompt(user)
-        walks.see_end(user, READY)
-        expect(said in user.errors(), True)
-    return steps
-
-
 CASES = {
-    "move": Case(move, install_policy, installed_for_all),
+    "move": Case(attended(asked=SENTENCE), install_policy, installed_for_all),
     "copy": Case(copy, small_library, installed_for_all),
-    "own_destination": Case(to_folder(HOME, TO_SHARING_PROMPT), after=lambda system: installed(system, f"{HOME}/Lumetra")),
-    "system_folder": Case(to_folder("/opt", TO_PROMPT), after=lambda system: installed(system, "/opt/Lumetra")),
+    "own_destination": Case(attended(TO_SHARING_PROMPT, folder=HOME),
+                            after=lambda system: installed(system, f"{HOME}/Lumetra")),
+    "system_folder": Case(attended(folder="/opt"), after=lambda system: installed(system, "/opt/Lumetra")),
+    "refused_folder": Case(attended(CANCELLED, NOT_WRITABLE, 0, "/opt"), after=untouched),
     "wrong_password": Case(refused("wrong", -60005, 1), after=untouched),
     "dismissed": Case(dismissed, after=untouched),
-    "not_an_administrator": Case(refused(PASSWORD, -60005, 0), after=untouched, rule=rights.NOBODY_MAY),
-    "no_agent": Case(refused(None, -60007, 0, "No authentication agent is running"), after=untouched),
-    "no_pkexec": Case(refused(None, -60008, 0, "/usr/bin/pkexec: No such file"),
+    "not_an_administrator": Case(refused(PASSWORD, -60005), after=untouched, rule=rights.NOBODY_MAY),
+    "no_agent": Case(refused(None, -60007, said="No authentication agent is running"), after=untouched),
+    "no_pkexec": Case(refused(None, -60008, said="/usr/bin/pkexec: No such file"),
                       lambda: os.unlink("/usr/bin/pkexec"), untouched),
-    "declined": Case(declined, after=untouched),
+    "declined": Case(attended(CANCELLED, NO_ACCESS, 0), after=untouched),
     "killed": Case(killed),
     "killed_in_dialog": Case(stopped_in_dialog(signal.SIGKILL), after=untouched),
     "ended_in_dialog": Case(stopped_in_dialog(signal.SIGTERM), after=untouched),
-    "helper_killed": Case(ready_though("status=-60008"), files=1000, meanwhile=kill_helpers_at_first_file,
+    "helper_killed": Case(attended(said=["status=-60008"]), files=1000, meanwhile=kill_helpers_at_first_file,
                           after=lambda _: expect(Path(PREFERENCE).exists(), False)),
-    "broken_preference": Case(ready_though(f"{PREFERENCE} is not a property list; it stays as it is"),
+    "broken_preference": Case(attended(said=[f"{PREFERENCE} is not a property list; it stays as it is"]),
                               lambda: Path(PREFERENCE).write_text("not a list"),
                               lambda _: expect(Path(PREFERENCE).read_text(), "not a list")),
 }

@@ -12,7 +12,8 @@ NO_ROOM = (r"Select Database location\|The selected disk does not have enough fr
            r" \(2\.00 MB additional needed\)\. Please select another location\.$")
 ANSWER = 200
 HALF_DONE = "part; exec sleep 100"
-MUST_FINISH = """/opt/real/mv "$source" /tmp/away; : >/tmp/tool-runs; sleep 1; /opt/real/mv /tmp/away "$source" """
+# Has the file in its hands for a while: whoever kills it then loses it.
+SLOW_MOVE = '/opt/real/mv "$source" /tmp/c; : >/tmp/tool-runs; sleep 1; exec /opt/real/mv /tmp/c "$target"'
 # Sees no notice before the box that a password dialog would follow.
 ADMINISTRATOR = "{ cat /etc/group; echo admin:x:4711:; } >/tmp/group; mount --bind /tmp/group /etc/group"
 UNWRITABLE = "mount -o remount,ro /Library"
@@ -36,7 +37,7 @@ def stops():
     yield from each("before", outcome="Installing Database")
     yield from each("preparing", SIGNALS, outcome="Database was not installed", setup=UNWRITABLE)
     yield from each("running", outcome=CANCELLED, cp=HALF_DONE, answer=ANSWER)
-    yield from each("running", outcome=CANCELLED, move=True, mv=MUST_FINISH)
+    yield from each("running", outcome=CANCELLED, move=True, mv=SLOW_MOVE)
     yield from each("recording", SIGNALS, outcome=NO_RECORD, setup=ADMINISTRATOR)
     yield from each("done", outcome=INSTALLED)
 
@@ -57,7 +58,7 @@ FAULTS = (
     at_third("tool killed before it opens the older file", "kill -9 $$", FAILED + r"/bin/cp: crashed\.$", older=True),
     at_third("tool can't be started", ":", FAILED + r"/bin/cp: failed to start\.$", setup="chmod 644 /opt/cp"),
     at_third("tool hangs", "part; kill -STOP $$", CANCELLED, state="running", means="button", answer=ANSWER),
-    at_third("tool warns", '/opt/real/cp "$@"; echo careful >&2; exit 0', SAID + "careful\n$"),
+    at_third("tool warns", '/opt/real/cp "$@"; echo é 100%s >&2; exit 0', SAID + "é 100%s\n$"),
     at_third("tool never stops warning", '/opt/real/cp "$@"; yes "" | head -c 5000000 >&2; exit 0', SAID),
     at_third("tool fails in silence", "exit 1", INSTALLED, silent=True),
     Case("mv hangs", move=True, mv=": >/tmp/tool-runs; kill -STOP $$", outcome=CANCELLED, state="running",

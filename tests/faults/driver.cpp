@@ -4,22 +4,16 @@
 
 #include "MacXUtils/TerminationSignals.h"
 #include "Orvo_Installer.h"
+#include "tests/Fixture.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileDialog>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
-#include <QMessageBox>
-#include <QProgressBar>
 #include <QPushButton>
-#include <QTest>
-#include <QTimer>
 
 #include <csignal>
-
-#include <unistd.h>
 
 /// Of the library of failing calls, when it is loaded.
 extern "C" void armFailingCalls() __attribute__((weak));
@@ -39,18 +33,17 @@ public:
     }
 
     QElapsedTimer sinceStop;
-    qint64 answer = -1;
-    qint64 longestGap = 0;
 
-    /// The number, title and text of the page that shows, or showed last: a wizard that was left has none.
-    QStringList seen() const
+    /// What the page shows, or showed last: a wizard that was left has none.
+    QJsonObject seen() const
     {
-        const QWizardPage *page = wizard.page(lastPage);
-        if (!page)
-            return {QString(), QString(), QString()};
-        const auto *label = page->findChild<QLabel *>();
-        const QString text = page->subTitle().isEmpty() && label ? label->text() : page->subTitle();
-        return {QString::number(lastPage), page->title(), text};
+        QJsonObject report{{"answer", answer}, {"gap", longestGap}};
+        if (const QWizardPage *page = wizard.page(lastPage)) {
+            const auto *label = page->findChild<QLabel *>();
+            const QString text = page->subTitle().isEmpty() && label ? label->text() : page->subTitle();
+            report["outcome"] = page->title() + '|' + text;
+        }
+        return report;
     }
 
 private:
@@ -63,9 +56,7 @@ private:
         QTimer::singleShot(5, this, &User::look);
         if (!sinceStop.isValid() && reached())
             stop();
-        else if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
-            accept(box);
-        else if (!QApplication::activeModalWidget() && wizard.isVisible())
+        else if (!acceptBox() && !QApplication::activeModalWidget() && wizard.isVisible())
             walk();
         if (sinceStop.isValid() && answer < 0 && (!wizard.isVisible() || ended()))
             answer = sinceStop.elapsed();
@@ -76,32 +67,28 @@ private:
     /// How long this thread could have run and others did instead, in milliseconds.
     static qint64 waitForProcessor()
     {
-        QFile statistics(QStringLiteral("/proc/thread-self/schedstat"));
-        return statistics.open(QFile::ReadOnly)
-            ? statistics.readAll().split(' ').value(1).toLongLong() / 1000000
-            : 0;
+        return contentsOf("/proc/thread-self/schedstat").split(' ').value(1).toLongLong() / 1000000;
     }
 
     bool ended() const { return wizard.currentId() == 3 && wizard.currentPage()->isComplete(); }
 
-    bool reached()
+    bool reached() const { return state == "scanning" ? !wizard.page(0)->isComplete() : state == place(); }
+
+    /// Looks only when it is asked for: the calls that it takes count among those that fail.
+    bool toolRuns() const { return state == "running" && QFile::exists("/tmp/tool-runs"); }
+
+    /// Where the user is, in the words of the command line.
+    QString place() const
     {
-        const QString modal = QApplication::activeModalWidget()
-            ? QApplication::activeModalWidget()->metaObject()->className()
-            : "";
-        const int page = wizard.currentId();
-        if (state == "preparing" || state == "recording")
-            return modal == "QMessageBox" && ended() == (state == "recording");
-        if (state == "choosing")
-            return modal == "QFileDialog";
-        if (state == "random" && page == 3 && !timing.isValid())
-            timing.start();
-        return (state == "agreement" && page == 1) || (state == "before" && page == 3)
-            || (state == "scanning" && !wizard.page(0)->isComplete())
-            || (state == "found" && page == 0 && wizard.currentPage()->isComplete())
-            || (state == "destination" && page == 2) || (state == "done" && ended() && modal.isEmpty())
-            || (state == "running" && QFile::exists("/tmp/tool-runs"))
-            || (state == "random" && timing.isValid() && timing.hasExpired(delay));
+        if (qobject_cast<QFileDialog *>(QApplication::activeModalWidget()))
+            return "choosing";
+        if (QApplication::activeModalWidget())
+            return ended() ? "recording" : "preparing";
+        if (wizard.currentId() == 0)
+            return wizard.currentPage()->isComplete() ? "found" : "searching";
+        if (wizard.currentId() == 3)
+            return ended() ? "done" : toolRuns() ? "running" : "before";
+        return wizard.currentId() == 1 ? "agreement" : "destination";
     }
 
     void stop()
@@ -117,41 +104,42 @@ private:
             kill(getpid(), means == "term" ? SIGTERM : means == "int" ? SIGINT : SIGHUP);
     }
 
-    static void accept(QMessageBox *box)
-    {
-        for (QAbstractButton *button : box->buttons()) {
-            if (box->buttonRole(button) == QMessageBox::AcceptRole)
-                return button->click();
-        }
-    }
-
     void walk()
     {
         QWizardPage *page = wizard.currentPage();
-        auto *find = page->findChild<QPushButton *>();
-        if (wizard.currentId() == 1 && !page->isComplete())
-            page->findChild<QCheckBox *>()->click();
-        if (wizard.currentId() == 3 && !page->isComplete())
-            begin(page);
-        else if (ended())
+        auto *button = page->findChild<QPushButton *>();
+        if (ended())
             wizard.button(QWizard::FinishButton)->click();
-        else if (wizard.currentId() == 0 && find->isVisible() && state == "choosing")
-            find->click();
-        else if ((wizard.currentId() == 0 && find->isVisible() && find->isEnabled()) || turnedDown)
+        else if (wizard.currentId() == 3)
+            begin(page);
+        else if (page->isComplete())
+            goOn();
+        else if (wizard.currentId() == 1)
+            page->findChild<QCheckBox *>()->click();
+        else if (button->isEnabled() && button->isVisible() && state == "choosing")
+            button->click();
+        else if (button->isEnabled() && button->isVisible())
             wizard.close();
-        else if (wizard.button(QWizard::NextButton)->isEnabled()) {
-            const int before = wizard.currentId();
-            wizard.next();
-            turnedDown = wizard.currentId() == before;
-        }
+    }
+
+    /// Closes the wizard when the page has refused already.
+    void goOn()
+    {
+        if (turnedDown)
+            return void(wizard.close());
+        const int before = wizard.currentId();
+        wizard.next();
+        turnedDown = wizard.currentId() == before;
     }
 
     /// Spares the second before the installation.
     void begin(QWizardPage *page)
     {
-        if (!begun && state != "before")
-            QMetaObject::invokeMethod(page, "doCopy", Qt::QueuedConnection);
-        begun = true;
+        if (std::exchange(begun, true) || state == "before")
+            return;
+        QMetaObject::invokeMethod(page, "doCopy", Qt::QueuedConnection);
+        if (state == "random")
+            QTimer::singleShot(delay, this, &User::stop);
     }
 
     Orvo_Installer &wizard;
@@ -159,8 +147,9 @@ private:
     const QString means;
     const int delay;
     int lastPage = -1;
+    qint64 answer = -1;
+    qint64 longestGap = 0;
     QElapsedTimer lastLook;
-    QElapsedTimer timing;
     qint64 waitedBefore = 0;
     bool begun = false;
     bool turnedDown = false;
@@ -175,7 +164,7 @@ int main(int argc, char *argv[])
         armFailingCalls();
     TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::requested, &QApplication::closeAllWindows);
-    QStringList report;
+    QJsonObject report;
     QElapsedTimer stopped;
     int status = 0;
     {
@@ -184,10 +173,10 @@ int main(int argc, char *argv[])
         wizard.show();
         User user(wizard, application.arguments());
         status = QApplication::exec();
-        report = user.seen() << QString::number(user.answer) << QString::number(user.longestGap);
+        report = user.seen();
         stopped = user.sinceStop;
     }
-    report << QString::number(stopped.isValid() ? stopped.elapsed() : -1);
-    QTextStream(stdout) << report.join(QChar(0x1f));
+    report["left"] = stopped.isValid() ? stopped.elapsed() : -1;
+    QTextStream(stdout) << QJsonDocument(report).toJson();
     return status;
 }

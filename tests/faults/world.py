@@ -135,17 +135,16 @@ def inside(case, *places):
                    "LSAN_OPTIONS": "print_suppressions=0:suppressions=/opt/leaks.supp",
                    "TSAN_OPTIONS": "ignore_noninstrumented_modules=1:suppressions=/opt/races.supp", **case.environment}
     if case.failing:
-        Path("/opt/count").write_bytes(bytes(8))
+        Path("/opt/count").write_bytes(b"\xff" * 4)
         environment |= {"LD_PRELOAD": "/opt/preload.so", "FAILING_CALLS": f"/opt/count:{case.failing}"}
     sh(case.setup, cwd=SOURCE)
     command = f"{case.limits} timeout -k 5 {case.seconds} {DRIVER} {case.state} {case.means} {case.delay}"
     run = subprocess.run(["sh", "-c", command], env={name: value for name, value in environment.items() if value},
                          stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    said = run.stdout.decode(errors="replace").split("\x1f")
-    page, title, text, answer, gap, left = said if len(said) == 6 else (None, "", "", -1, -1, -1)
-    return {"status": run.returncode, "page": page, "outcome": f"{title}|{text}", "answer": int(answer), "gap": int(gap),
-            "left": int(left), "wrong": invariant(case, before, older, source, title),
-            "calls": int.from_bytes(Path("/opt/count").read_bytes()[4:8], "little"),
+    seen = {"outcome": "|", "answer": -1, "gap": -1, "left": -1, **json.loads(run.stdout or "{}")}
+    title = seen["outcome"].partition("|")[0]
+    return {**seen, "status": run.returncode, "wrong": invariant(case, before, older, source, title),
+            "calls": int.from_bytes(Path("/opt/count").read_bytes(), "little"),
             "errors": run.stderr.decode(errors="replace")[-3000:]}
 
 
