@@ -57,6 +57,19 @@ def system_calls(source):
     return {name: int(count) for count, name in re.findall(r"^ *\S+ +\S+ +\S+ +(\d+) +(?:\d+ +)?(\w+)$", summary, re.M)}
 
 
+def copy_in_memory(root, source, size):
+    """The seconds in which one `cp -p` copies the files of `source` to a disk of that size in memory, in a world.
+
+    Begins as late as the wizard does: a virtual machine takes free memory away after a while, and gives it back slowly.
+    """
+    world = World(root, BUNDLE, library_size=size, mounts={source: DATABASE})
+    world.lay()
+    timed = 'sleep 3; begin=$(date +%s%N); /bin/cp -p "$0"/*/* "$1"; echo $(($(date +%s%N) - begin))'
+    nanoseconds = subprocess.check_output(world.command("sh", "-c", timed, DATABASE, "/Library"))
+    world.remove()
+    return int(nanoseconds) / 1e9
+
+
 class Desktop:
     """A screen that nobody sees, on which the installer as it ships is started and walked through."""
 
@@ -72,12 +85,13 @@ class Desktop:
         environment["BENCH_STARTED"] = str(time.monotonic_ns())
         return self._answer([program], environment)
 
-    def walk(self, root, source, move=False, task="walk"):
+    def walk(self, root, source, move=False, task="walk", in_memory=None):
         """Installs `source` with the default answers in a world under `root`: its workers' seconds and gaps.
 
-        As "scan" it ends before it has installed anything. Moved, the source is gone afterwards.
+        As "scan" it ends before it has installed anything. Moved, the source is gone afterwards. `in_memory` is the
+        size in bytes of a disk in memory for the destination.
         """
-        world = World(root, BUNDLE, mounts={PROGRAMS / "plugins": WORLD_PLUGINS})
+        world = World(root, BUNDLE, mounts={PROGRAMS / "plugins": WORLD_PLUGINS}, library_size=in_memory)
         world.lay()
         world.path(DESTINATION).mkdir(parents=True)
         if move:
