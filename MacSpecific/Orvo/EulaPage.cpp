@@ -30,8 +30,7 @@ EulaPage::EulaPage(QWidget *parent)
     browser->setSource(agreementUrl());
 
     auto *label = new QLabel(QStringLiteral(
-        "If you accept the terms of the agreement, click the check box below.  You must accept the "
-        "agreement to install the Corvane Lumetra Database."));
+        "If you accept the terms of the agreement, click the check box below.  You must accept the agreement to install the Corvane Lumetra Database."));
     label->setWordWrap(true);
 
     acceptBox = new QCheckBox(QStringLiteral("I accept the terms in the License Agreement"));

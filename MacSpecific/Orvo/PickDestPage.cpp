@@ -136,10 +136,9 @@ void PickDestPage::chooseDestination()
 void PickDestPage::showDestination(const QString &path)
 {
     pathEdit.setText(path);
-    setSubTitle(
-        QStringLiteral("The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or "
-                       "\"Choose\" to select another location.")
-            .arg(fittedText(pathEdit.text(), this)));
+    setSubTitle(QStringLiteral(
+        "The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or \"Choose\" to select another location.")
+                    .arg(fittedText(pathEdit.text(), this)));
 }
 
 bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
@@ -149,8 +148,8 @@ bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
     const qint64 missing = shortfall(size, probe.TotalAvailable());
     if (missing < 0)
         return true;
-    setSubTitle(QStringLiteral("The selected disk does not have enough free space to store the database (%1 "
-                               "additional needed). Please select another location.")
+    setSubTitle(QStringLiteral(
+        "The selected disk does not have enough free space to store the database (%1 additional needed). Please select another location.")
                     .arg(amountText(missing)));
     announce(this);
     return false;

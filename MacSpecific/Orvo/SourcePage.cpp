@@ -51,8 +51,7 @@ SourcePage::SourcePage(QWidget *parent)
         location = "/Volumes/USB DISK/Lumetra";
     if (access(location.c_str(), F_OK) != 0) {
         statusLabel->setText(QStringLiteral(
-            "The Lumetra database source folder was not found.\nPlease press \"Find data files\" to "
-            "locate the \"Lumetra\" database source files folder."));
+            "The Lumetra database source folder was not found.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder."));
         offerChoice();
         return;
     }
@@ -78,8 +77,7 @@ int SourcePage::nextId() const
 void SourcePage::updateDBSize(QString, quint64 finishedSize)
 {
     statusLabel->setText(QStringLiteral(
-        "This Installer will copy or move the Corvane Lumetra Database from the source folders to "
-        "your hard disk.\n\nThe databases will occupy approximately %1 GB  of additional disk space.")
+        "This Installer will copy or move the Corvane Lumetra Database from the source folders to your hard disk.\n\nThe databases will occupy approximately %1 GB  of additional disk space.")
                              .arg(gigabytes(finishedSize)));
     dbSize = finishedSize;
     setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
@@ -99,16 +97,14 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
     disposeOfScanner();
     if (finishedSize > 0) {
         statusLabel->setText(QStringLiteral(
-            "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard "
-            "disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
+            "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
                                  .arg(name, gigabytes(finishedSize)));
         setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
         acceptSource();
         return;
     }
     statusLabel->setText(QStringLiteral(
-        "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the "
-        "\"Lumetra\" database source files folder.")
+        "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder.")
                              .arg(name));
     offerChoice();
 }
