@@ -172,6 +172,15 @@ double lowestContrast(const QImage &written, const QImage &blank)
     return lowest;
 }
 
+/// The strongest contrast of a check box without its text to the window around it.
+double squareContrast(const QImage &blank)
+{
+    double strongest = 0;
+    for (int x = 0; x < blank.width(); ++x)
+        strongest = std::max(strongest, contrast(blank.pixel(x, blank.height() / 2), blank.pixel(0, 0)));
+    return strongest;
+}
+
 } // namespace
 
 class tst_Looks : public QObject {
@@ -242,6 +251,7 @@ private slots:
             const double found = lowestContrast(written.copy(area), blank.copy(area));
             QVERIFY2(found > 1, "no text found");
             QVERIFY2(found >= 4.5, qPrintable(widget->metaObject()->className() + QString(" %1").arg(found)));
+            QVERIFY(!widget->inherits("QCheckBox") || squareContrast(blank.copy(area)) >= 3);
         }
     }
 };

@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QPalette>
 #include <QTextBrowser>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -39,6 +40,11 @@ EulaPage::EulaPage(QWidget *parent)
     // A screen reader toggles the box without a click.
     connect(acceptBox, &QCheckBox::toggled, this, &EulaPage::completeChanged);
     label->setBuddy(acceptBox);
+    // Some styles outline the empty box in a shade of the window's colour, in which it can hardly be seen. A
+    // shade of this grey stands out in a light window as well as in a dark one.
+    QPalette colours = acceptBox->palette();
+    colours.setColor(QPalette::Window, QColor(0xae, 0xae, 0xae));
+    acceptBox->setPalette(colours);
 
     auto *layout = new QVBoxLayout;
     layout->addWidget(browser);
