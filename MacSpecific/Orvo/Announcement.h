@@ -2,7 +2,7 @@
 
 class QWizardPage;
 
-/// Makes the page's title and subtitle its name and description and gives it the focus, upon which assistive
-/// technology speaks them. From there Tab leads through the page from the top, and Return presses the
-/// default button.
+/// Makes the page's title its name and its subtitle, or without one the text on it, its description, and
+/// gives it the focus, upon which assistive technology speaks them. From there Tab leads through the page
+/// from the top, and Return presses the default button. Does nothing while the wizard shows another page.
 void announce(QWizardPage *page);

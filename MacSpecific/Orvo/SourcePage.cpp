@@ -1,5 +1,6 @@
 #include "SourcePage.h"
 
+#include "Announcement.h"
 #include "ButtonRow.h"
 #include "EndWorker.h"
 #include "FittedText.h"
@@ -116,6 +117,7 @@ void SourcePage::chooseSource()
     if (!folder.isEmpty())
         startScan(folder, &SourcePage::customDBSourceLocation);
     statusLabel->setText(QStringLiteral("Scanning..."));
+    announce(this);
 }
 
 void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
@@ -132,12 +134,14 @@ void SourcePage::acceptSource()
     findButton->hide();
     findButton->setDefault(false);
     emit completeChanged();
+    announce(this);
 }
 
 void SourcePage::offerChoice()
 {
     findButton->setEnabled(true);
     findButton->show();
+    announce(this);
 }
 
 void SourcePage::disposeOfScanner()

@@ -176,6 +176,7 @@ class User:
         field.queryEditableText().setTextContents(folder)
         self.press("Choose", within=dialog)
         self.wait(lambda: dialog() is None, "end of the folder dialog")
+        self.type("Shift_L")  # no window manager gives the wizard the keys again
 
     def picture(self, name):
         """Saves a picture of the installer's windows, when pictures are wanted."""

@@ -20,6 +20,10 @@ TERMS = ("If you accept the terms of the agreement, click the check box below.  
 ACCEPT = "I accept the terms in the License Agreement"
 SIZE = ("This Installer will copy or move the Corvane Lumetra Database from the source folders to your hard disk.\n\n"
         "The databases will occupy approximately {} GB  of additional disk space.")
+FOUND = SIZE.replace("the source folders", '"{}"')
+SEARCH = '\nPlease press "Find data files" to locate the "Lumetra" database source files folder.'
+NOT_FOUND = "The Lumetra database source folder was not found." + SEARCH
+NO_FILES = "No Lumetra database files were found in {}." + SEARCH
 STORED_IN = ("The database will be stored in\n\n{}\n\n"
              "Click \"Continue\" to install here, or \"Choose\" to select another location.")
 NO_ROOM = ("The selected disk does not have enough free space to store the database ({} additional needed)."
@@ -189,6 +193,28 @@ def keyboard(user):
     check_installed(content)
 
 
+def find_source(user):
+    """The keys alone lead to a folder that holds the database, past one that doesn't."""
+    database.make(Path(HOME, "Data"), 9_000_000)
+    content = database.content(Path(HOME, "Data"))
+    Path(HOME, "Data", "empty").mkdir()
+    user.focus("check box", ACCEPT)
+    user.type("space")
+    user.type("Return")
+    for folder, text in ((None, NOT_FOUND), ("Data/empty", NO_FILES.format("empty")), ("Data", FOUND.format("Data", "0.01"))):
+        if folder:
+            user.focus("push button", "Find data files..")
+            user.type("Return")
+            user.pick_folder("Select Database directory", f"{HOME}/{folder}")
+        user.wait_text(text)
+        user.wait_focus("filler", WELCOME)
+        expect(user.find("filler", WELCOME).description, text)
+    user.type("Return")
+    see_destination(user)
+    install(user, MOVING)
+    check_installed(content)
+
+
 def no_room(user):
     content = database.content(DATABASE)
     to_destination(user, "1.25")
@@ -227,6 +253,7 @@ WALKS = {
     "move": Walk(move, 1_234_567_890, sparse=True),
     "copy": Walk(copy, 30_000_000, library_size=100_000_000),
     "usb_disk": Walk(usb_disk, 9_000_000, on_usb_disk=True),
+    "find_source": Walk(find_source, 0),
     "no_room": Walk(no_room, 1_250_000_000, sparse=True, library_size=100_000_000),
     "keyboard": Walk(keyboard, 9_000_000),
     "log": Walk(log, 9_000_000, log_file=f"{HOME}/installer.log"),
