@@ -69,7 +69,13 @@ const State states[] = {
     {"1-agreement", 1, [](QWizardPage *) {}},
     {"2-source-missing", 0, [](QWizardPage *) {}},
     {"2-source-found", 0, [](QWizardPage *page) { scanned(page, "Lumetra", 42123456789); }},
-    {"2-source-long-name", 0, [](QWizardPage *page) { scanned(page, longName, 42123456789); }},
+    {"2-source-long-name", 0,
+        [](QWizardPage *page) {
+            scanned(page, longName, 42123456789);
+            auto *wizard = qobject_cast<QWizard *>(page->window());
+            wizard->next();
+            wizard->back();
+        }},
     {"2-source-empty", 0, [](QWizardPage *page) { scanned(page, longName, 0); }},
     {"3-destination", 2, [](QWizardPage *) {}},
     {"3-destination-long-path", 2,
