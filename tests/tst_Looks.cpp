@@ -91,10 +91,13 @@ const State states[] = {
         }},
 };
 
-QPalette darkPalette()
+/// One accent wants dark letters and the other light ones.
+QPalette palette(bool dark)
 {
-    QPalette palette(QColor(53, 53, 53));
-    palette.setColor(QPalette::Base, QColor(35, 35, 35));
+    QPalette palette = dark ? QPalette(QColor(53, 53, 53)) : QApplication::style()->standardPalette();
+    palette.setColor(QPalette::Highlight, dark ? QColor(28, 63, 143) : QColor(10, 132, 255));
+    if (dark)
+        palette.setColor(QPalette::Base, QColor(35, 35, 35));
     return palette;
 }
 
@@ -210,9 +213,8 @@ private slots:
         QFETCH(int, state);
         QFETCH(bool, dark);
         QFETCH(int, typeSize);
-        const QPalette light = QApplication::style()->standardPalette();
         // Begun in the other palette: the desktop may change it at any time.
-        QApplication::setPalette(dark ? light : darkPalette());
+        QApplication::setPalette(palette(!dark));
         QFont font = QApplication::font();
         font.setPointSize(11 * typeSize / 100);
         QApplication::setFont(font);
@@ -223,7 +225,7 @@ private slots:
         window.show();
         while (window.currentId() != states[state].page)
             window.next();
-        QApplication::setPalette(dark ? darkPalette() : light);
+        QApplication::setPalette(palette(dark));
         states[state].enter(window.currentPage());
         // Lays out, but starts no installation: timers wait for the event loop.
         QCoreApplication::sendPostedEvents();

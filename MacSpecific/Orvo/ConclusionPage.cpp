@@ -10,6 +10,7 @@
 #include "macos/MacDoAuthorizedCommand.h"
 #include "macos/MacWriteGlobalDefaultSetting.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPalette>
 #include <QProgressBar>
@@ -18,6 +19,7 @@
 #include <QWizard>
 
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 
 #include <sys/stat.h>
@@ -44,10 +46,22 @@ QString privilegeReason(const char *purpose)
         .arg(QLatin1String(purpose));
 }
 
-/// Black or white, whichever stands out from `colour`: many a theme's own text doesn't.
+/// Black or white, whichever stands out more from `colour`.
 QColor textOver(const QColor &colour)
 {
-    return qGray(colour.rgb()) > 110 ? Qt::black : Qt::white;
+    const auto linear = [](qreal part) { return std::pow(part, 2.2); };
+    const qreal luminance =
+        0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+    return luminance > 0.18 ? Qt::black : Qt::white;
+}
+
+/// Makes the bar's text stand out from the theme's colour, from which many a theme's own doesn't.
+void colourText(QProgressBar *bar, const QPalette &theme)
+{
+    QPalette colours;
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+        colours.setColor(group, QPalette::HighlightedText, textOver(theme.color(group, QPalette::Highlight)));
+    bar->setPalette(colours);
 }
 
 } // namespace
@@ -58,9 +72,9 @@ ConclusionPage::ConclusionPage(QWidget *parent)
     progressBar = new QProgressBar;
     progressBar->setRange(0, 100);
     progressBar->setAccessibleName(QStringLiteral("Files installed"));
-    QPalette colours = progressBar->palette();
-    colours.setColor(QPalette::HighlightedText, textOver(colours.color(QPalette::Highlight)));
-    progressBar->setPalette(colours);
+    colourText(progressBar, palette());
+    connect(qApp, &QGuiApplication::paletteChanged, progressBar,
+        [this](const QPalette &theme) { colourText(progressBar, theme); });
     auto *layout = new QHBoxLayout;
     layout->addWidget(progressBar);
     setLayout(layout);
