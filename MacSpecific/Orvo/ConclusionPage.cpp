@@ -71,6 +71,8 @@ ConclusionPage::ConclusionPage(QWidget *parent)
 {
     progressBar = new QProgressBar;
     progressBar->setRange(0, 100);
+    progressBar->setFormat(QString()); // a percentage says nothing before the files are counted
+    progressBar->setValue(0);
     progressBar->setAccessibleName(QStringLiteral("Files installed"));
     colourText(progressBar, palette());
     connect(qApp, &QGuiApplication::paletteChanged, progressBar,
