@@ -76,8 +76,6 @@ PickDestPage::PickDestPage(QWidget *parent)
 {
     chooseButton = new QPushButton(tr("Choose..."));
     chooseButton->setAccessibleDescription(QStringLiteral("Picks another location for the database"));
-    // Return means Continue here, wherever the focus is.
-    chooseButton->setAutoDefault(false);
     connect(chooseButton, &QPushButton::clicked, this, &PickDestPage::chooseDestination);
 
     registerField(QStringLiteral("path*"), &pathEdit);

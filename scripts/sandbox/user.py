@@ -74,6 +74,10 @@ class User:
         """The message box that shows, or None."""
         return next((window for window in self.windows() if window.name == BOX_TITLE), None)
 
+    def dialog(self, caption):
+        """The folder dialog that shows, or None."""
+        return next((window for window in self.windows() if window.name == caption), None)
+
     def find(self, role, name=None, within=None):
         """The first control that shows of the role and the name, or None."""
         return next(self._all(role, name, within), None)
@@ -170,12 +174,11 @@ class User:
 
     def pick_folder(self, caption, folder):
         """Types the folder into the folder dialog and accepts it."""
-        def dialog():
-            return next((window for window in self.windows() if window.name == caption), None)
-        field = self.wait(lambda: self.find("text", None, self.wait(dialog, caption)), "field for the folder")
+        field = self.wait(lambda: self.find("text", None, self.wait(lambda: self.dialog(caption), caption)),
+                          "field for the folder")
         field.queryEditableText().setTextContents(folder)
-        self.press("Choose", within=dialog)
-        self.wait(lambda: dialog() is None, "end of the folder dialog")
+        self.press("Choose", within=lambda: self.dialog(caption))
+        self.wait(lambda: self.dialog(caption) is None, "end of the folder dialog")
         self.type("Shift_L")  # no window manager gives the wizard the keys again
 
     def picture(self, name):

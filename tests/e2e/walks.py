@@ -181,6 +181,11 @@ def keyboard(user):
     for name in ("Choose...", "Go Back", "Continue", "Cancel", "Choose..."):
         user.type("Tab")
         user.wait_focus("push button", name)
+    # The button that has the focus is the one that Return presses.
+    user.type("Return")
+    user.wait(lambda: user.dialog("Select Database destination"), "folder dialog")
+    user.type("Escape")
+    user.focus("push button", "Continue")
     user.type("Return")
     user.wait_focus("filler", "Installing Database")
     user.type("space")
