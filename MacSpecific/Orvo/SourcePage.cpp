@@ -123,6 +123,8 @@ void SourcePage::chooseSource()
 void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
 {
     findButton->setEnabled(false);
+    // While a default location is measured the page shows nothing else.
+    setCursor(Qt::BusyCursor);
     sizeThread = new SizeThread(this, folder);
     connect(sizeThread, &SizeThread::pathSize, this, resultSlot);
     sizeThread->start(QThread::InheritPriority);
@@ -150,4 +152,5 @@ void SourcePage::disposeOfScanner()
     sizeThread->wait();
     delete sizeThread;
     sizeThread = nullptr;
+    unsetCursor();
 }
