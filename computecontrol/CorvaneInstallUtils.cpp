@@ -1,8 +1,5 @@
 #include "CorvaneInstallUtils.h"
 
-#include <QMessageBox>
-#include <QPushButton>
-
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -75,33 +72,6 @@ std::string owner(gid_t group)
 bool joinPath(const char *parent, const char *name, char (&path)[4096])
 {
     return std::snprintf(path, sizeof path, "%s/%s", parent, name) < static_cast<int>(sizeof path);
-}
-
-QMessageBox &prepared(QMessageBox &box, const QString &text)
-{
-    box.setIconPixmap(QPixmap(QStringLiteral(":/images/app_64.png")));
-    box.setWindowTitle(QStringLiteral("%1 Install").arg(QStringLiteral("Lumetra Database Installer")));
-    box.setText(text);
-    return box;
-}
-
-/// Tells users who can't administer the computer whose password will be asked for. False when they cancelled.
-bool acceptsOtherAdministrator()
-{
-    QMessageBox box;
-    prepared(box,
-        QStringLiteral("Lumetra Database Installer"
-                       " must be installed by a user who is allowed "
-                       "to administer this computer (your account does not have this capability)."
-                       "\n\n"
-                       "For the Name/password prompts that follow, you will need to supply the "
-                       "name and and password of ANOTHER user with admistrator privileges. "));
-    QPushButton *cancel = box.addButton(QStringLiteral("Cancel Installation"), QMessageBox::RejectRole);
-    const QPushButton *proceed = box.addButton(QStringLiteral("Continue"), QMessageBox::AcceptRole);
-    box.setDefaultButton(cancel);
-    box.setEscapeButton(cancel);
-    box.exec();
-    return box.clickedButton() == proceed;
 }
 
 /// Returns fixupDirectory's code; `changed` tells whether the group was another one.
@@ -177,15 +147,6 @@ int32_t createResourceDirectoryWithRights(const char *parent, const char *path, 
 }
 
 } // namespace
-
-void installInfoDialog(const char *text, const char *informativeText)
-{
-    QMessageBox box;
-    prepared(box, QString::fromLatin1(text));
-    if (informativeText)
-        box.setInformativeText(QString::fromLatin1(informativeText));
-    box.exec();
-}
 
 int32_t establishPrivsForSetup()
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AccountQueries.h"
+#include "PrivilegeBoxes.h"
 
 #include <QString>
 
@@ -18,9 +19,6 @@ extern bool gSystemScope;
 
 /// Why rights are needed, shown just before the password dialog.
 extern QString gPrivilegeReason;
-
-/// Shows a modal information box with one button. Both texts are read as Latin-1; the second may be null.
-void installInfoDialog(const char *text, const char *informativeText = nullptr);
 
 /// Tells the user what is to come and obtains the administrator's rights in gMacAuthorizationRef. Returns 0
 /// when it holds them now, 1 when the user cancelled or the rights were refused.
