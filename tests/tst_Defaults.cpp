@@ -21,13 +21,13 @@ class tst_Defaults : public QObject {
                                                                        : "failed without a word";
     }
 
-    QStringList files() const { return QDir(tree->path()).entryList(QDir::Files | QDir::Hidden); }
+    QStringList files() const { return QFileInfo(list).dir().entryList(QDir::Files | QDir::Hidden); }
 
 private slots:
     void init()
     {
         tree = std::make_unique<Tree>();
-        list = tree->path("org.example.plist");
+        list = tree->path("new/folder/org.example.plist");
     }
 
     void writtenValueIsReadBack()
@@ -48,7 +48,7 @@ private slots:
     {
         for (const char *sample : {"every-type.xml", "every-type.bin"}) {
             const QByteArray before = contentsOf(QFINDTESTDATA("fuzz/corpus/propertylist/") + sample);
-            tree->file("org.example.plist", before);
+            tree->file("new/folder/org.example.plist", before);
             QCOMPARE(defaults("write", "new", {"value"}), QByteArray(""));
             QVERIFY(contentsOf(list) != before);
             QCOMPARE(defaults("delete", "new"), QByteArray(""));
@@ -58,7 +58,8 @@ private slots:
 
     void carriageReturnOfAnotherKeyStays()
     {
-        tree->file("org.example.plist", "<plist><dict><key>a</key><string>b&#13;c</string></dict></plist>");
+        tree->file("new/folder/org.example.plist",
+            "<plist><dict><key>a</key><string>b&#13;c</string></dict></plist>");
         QCOMPARE(defaults("write", "new", {"value"}), QByteArray(""));
         QCOMPARE(defaults("read", "a"), QByteArray("b\rc\n"));
         // In XML a reader would take it for a line feed.

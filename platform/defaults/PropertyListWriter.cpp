@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/random.h>
 #include <sys/stat.h>
 
@@ -119,6 +120,8 @@ std::string save(const Place &place, const PropertyListFile &file)
 
 std::string writeString(const std::string &path, const std::string &key, const std::string &value)
 {
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
     const Place place(path);
     if (!place.folder)
         return systemFailure(path, "open its folder");

@@ -9,7 +9,7 @@
 // is there but isn't a readable property list, or isn't a regular file, stays as it is. The result is empty,
 // or says what failed.
 
-/// Makes the file when it is missing.
+/// Makes the file, and its folders, when they are missing.
 std::string writeString(const std::string &path, const std::string &key, const std::string &value);
 
 /// A file or a key that is missing is a failure.
