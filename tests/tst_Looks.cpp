@@ -213,10 +213,11 @@ private slots:
         QFETCH(int, state);
         QFETCH(bool, dark);
         QFETCH(int, typeSize);
-        // Begun in the other palette: the desktop may change it at any time.
+        // Begun in the other palette, and half of them in smaller type: the desktop may change both at any
+        // time.
         QApplication::setPalette(palette(!dark));
         QFont font = QApplication::font();
-        font.setPointSize(11 * typeSize / 100);
+        font.setPointSize(dark ? 9 : 11 * typeSize / 100);
         QApplication::setFont(font);
 
         Orvo_Installer window;
@@ -226,6 +227,8 @@ private slots:
         while (window.currentId() != states[state].page)
             window.next();
         QApplication::setPalette(palette(dark));
+        font.setPointSize(11 * typeSize / 100);
+        QApplication::setFont(font);
         states[state].enter(window.currentPage());
         // Lays out, but starts no installation: timers wait for the event loop.
         QCoreApplication::sendPostedEvents();

@@ -11,6 +11,7 @@
 #include "computecontrol/CorvaneInstallUtils.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
@@ -20,16 +21,6 @@
 QList<QFileInfo> sResultList;
 bool sCopyFiles = false;
 Orvo_Installer *install_wizard = nullptr;
-
-namespace {
-
-/// Room for the artwork and, in the type that the user has chosen, for the widest and the highest page.
-QSize smallestSize(const QSize &artwork, const QFontMetrics &type)
-{
-    return artwork.expandedTo({235 + 45 * type.averageCharWidth(), 160 + 14 * type.lineSpacing()});
-}
-
-} // namespace
 
 QWidget *GetMainWindow()
 {
@@ -54,7 +45,7 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     setWizardStyle(QWizard::MacStyle);
     setOption(QWizard::NoCancelButton, false);
     setOption(QWizard::DisabledBackButtonOnLastPage);
-    setMinimumSize(smallestSize(artwork.size(), fontMetrics()).boundedTo(screen()->availableSize()));
+    fitToType();
     // Folder names and the tools' messages stand in these texts and must not be taken for markup.
     setTitleFormat(Qt::PlainText);
     setSubTitleFormat(Qt::PlainText);
@@ -85,6 +76,26 @@ void Orvo_Installer::SetWindowTitle(const std::string &title)
 {
     setWindowTitle(title.empty() ? tr("Welcome to the Corvane Lumetra Database Installer")
                                  : QString::fromStdString(title));
+}
+
+void Orvo_Installer::changeEvent(QEvent *event)
+{
+    QWizard::changeEvent(event);
+    if (event->type() != QEvent::FontChange)
+        return;
+    // Only with a new layout does the wizard choose the title's type anew.
+    setWizardStyle(QWizard::ClassicStyle);
+    setWizardStyle(QWizard::MacStyle);
+    fitToType();
+}
+
+/// Makes room for the artwork and, in the type that the user has chosen, for the widest and the highest page.
+void Orvo_Installer::fitToType()
+{
+    const QFontMetrics type = fontMetrics();
+    const QSize pages(235 + 45 * type.averageCharWidth(), 160 + 14 * type.lineSpacing());
+    const QSize artwork = pixmap(QWizard::BackgroundPixmap).size();
+    setMinimumSize(artwork.expandedTo(pages).boundedTo(screen()->availableSize()));
 }
 
 void Orvo_Installer::paintEvent(QPaintEvent *)

@@ -23,10 +23,14 @@ public:
     void reject() override;
 
 protected:
+    /// Follows a change of the desktop's type size.
+    void changeEvent(QEvent *event) override;
     /// Draws the artwork where the style does, but smooth: on a scaled screen the style shows its pixels.
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void fitToType();
+
     ConclusionPage *installPage = nullptr;
 };
 
