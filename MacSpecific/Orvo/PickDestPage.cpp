@@ -118,7 +118,8 @@ void PickDestPage::chooseDestination()
     const QString folder =
         QFileDialog::getExistingDirectory(this, QStringLiteral("Select Database destination"),
             qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
-    if (folder.isEmpty())
+    // A screen reader goes on to the next page also beneath the dialog.
+    if (folder.isEmpty() || wizard()->currentPage() != this)
         return;
     const QString base = folder + QLatin1Char('/');
     const QString name = QStringLiteral("Lumetra");

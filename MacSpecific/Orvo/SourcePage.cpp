@@ -112,6 +112,10 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
 
 void SourcePage::chooseSource()
 {
+    // A screen reader presses the button also beneath its dialog, and with a delay, after which it may be
+    // disabled or hidden.
+    if (sizeThread || !sourceMissing || findChild<QFileDialog *>())
+        return;
     const QString folder = QFileDialog::getExistingDirectory(this,
         QStringLiteral("Select Database directory"), qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
     if (!folder.isEmpty())

@@ -210,6 +210,8 @@ def find_source(user):
         if folder:
             user.focus("push button", "Find data files..")
             user.type("Return")
+            user.wait(lambda: user.dialog("Select Database directory"), "folder dialog")
+            user.press("Find data files..")  # only a screen reader reaches it beneath the dialog
             user.pick_folder("Select Database directory", f"{HOME}/{folder}")
         user.wait_text(text)
         user.wait_focus("filler", WELCOME)
