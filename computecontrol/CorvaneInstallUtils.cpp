@@ -15,6 +15,7 @@
 
 gid_t gAdminGid = 0;
 bool gSystemScope = false;
+bool gSetupStopped = false;
 QString gPrivilegeReason;
 
 namespace {
@@ -153,8 +154,9 @@ int32_t establishPrivsForSetup()
     if (!isUserInGroup("admin") && !acceptsOtherAdministrator())
         return 1;
     installInfoDialog(gPrivilegeReason.toUtf8().constData());
-    // A session that is ending closes the boxes; no password dialog may follow them.
-    if (TerminationSignals::received())
+    // A session that is ending closes the boxes, and a screen reader presses Cancel also beneath them; no
+    // password dialog may follow.
+    if (TerminationSignals::received() || gSetupStopped)
         return 1;
     return createAuthority(&gMacAuthorizationRef) ? 0 : 1;
 }

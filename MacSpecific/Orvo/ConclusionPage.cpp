@@ -119,11 +119,11 @@ bool ConclusionPage::stopInstallation()
 {
     if (!begun || complete)
         return false;
-    if (!stopRequested && copyThread) {
+    if (!gSetupStopped && copyThread) {
         copyThread->requestInterruption();
         QTimer::singleShot(stopLimit, this, &ConclusionPage::handleResult);
     }
-    stopRequested = true;
+    gSetupStopped = true;
     return true;
 }
 
@@ -133,7 +133,7 @@ void ConclusionPage::doCopy()
         return;
     begun = true;
     gSystemScope = true;
-    if (prepareDestination() && !stopRequested)
+    if (prepareDestination() && !gSetupStopped)
         startCopying();
     else
         handleResult();
@@ -213,7 +213,7 @@ void ConclusionPage::handleResult()
     // comes after it, since the wizard still finds the page incomplete here.
     wizard()->setOption(QWizard::NoCancelButton);
     complete = true;
-    if (stopRequested)
+    if (gSetupStopped)
         resultSet(errAuthorizationCanceled, QString());
     if (errCode == 0) {
         recordDestination();

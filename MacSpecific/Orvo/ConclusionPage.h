@@ -46,5 +46,4 @@ private:
     QProgressBar *progressBar;
     CopyThread *copyThread = nullptr;
     bool begun = false;
-    bool stopRequested = false;
 };
