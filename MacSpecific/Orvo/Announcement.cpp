@@ -4,14 +4,30 @@
 #include <QLabel>
 #include <QWizardPage>
 
-void announce(QWizardPage *page)
+namespace {
+
+QString spokenTextOf(QLabel *label)
 {
-    const QWizard *wizard = qobject_cast<QWizard *>(page->window());
+    return label->accessibleName().isEmpty() ? label->text() : label->accessibleName();
+}
+
+} // namespace
+
+void announce(QWizardPage *page, const QString &whole)
+{
+    const auto *wizard = qobject_cast<QWizard *>(page->window());
     if (!wizard || wizard->currentPage() != page)
         return;
-    const auto *label = page->findChild<QLabel *>();
+    // The label of the subtitles is the wizard's, one for all pages.
+    for (QLabel *label : wizard->findChildren<QLabel *>()) {
+        if (label->text() == page->subTitle())
+            label->setAccessibleName(whole);
+    }
+    auto *own = page->findChild<QLabel *>();
     page->setAccessibleName(page->title());
-    page->setAccessibleDescription(page->subTitle().isEmpty() && label ? label->text() : page->subTitle());
+    page->setAccessibleDescription(!whole.isEmpty() ? whole
+            : page->subTitle().isEmpty() && own     ? spokenTextOf(own)
+                                                    : page->subTitle());
     if (!page->hasFocus())
         return page->setFocus();
     QAccessibleEvent event(page, QAccessible::Focus);

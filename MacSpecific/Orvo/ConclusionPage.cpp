@@ -30,6 +30,8 @@ namespace {
 constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
 constexpr char defaultDestination[] = "/Library/Application Support/Brindlewerks/Lumetra";
 constexpr int failure = -100;
+/// The longest message that a screen reader is given, in characters.
+constexpr int longestSpoken = 65536;
 /// How long a worker that was asked to stop may take, in milliseconds: a little more than it gives a tool
 /// that hangs. After it the worker itself is held up, by a disk that no longer answers.
 constexpr int stopLimit = 35000;
@@ -228,7 +230,7 @@ void ConclusionPage::handleResult()
         else
             setSubTitle(QStringLiteral("A MacOS error occured (%1)").arg(errCode));
     }
-    announce(this);
+    announce(this, errCode == failure ? errMsg.left(longestSpoken) : QString());
     setField(QStringLiteral("path"), path);
     progressBar->setRange(0, 100);
     progressBar->hide();

@@ -129,15 +129,18 @@ void PickDestPage::chooseDestination()
     showDestination(candidate);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))
         next->setDefault(true);
-    announce(this);
 }
 
 void PickDestPage::showDestination(const QString &path)
 {
     pathEdit.setText(path);
-    setSubTitle(QStringLiteral(
-        "The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or \"Choose\" to select another location.")
-                    .arg(fittedText(pathEdit.text(), this)));
+    const auto message = [](const QString &shownPath) {
+        return QStringLiteral(
+            "The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or \"Choose\" to select another location.")
+            .arg(shownPath);
+    };
+    setSubTitle(message(fittedText(path, this)));
+    announce(this, message(path));
 }
 
 bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)

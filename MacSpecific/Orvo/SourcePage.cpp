@@ -51,7 +51,7 @@ SourcePage::SourcePage(QWidget *parent)
     if (access(location.c_str(), F_OK) != 0)
         location = "/Volumes/USB DISK/Lumetra";
     if (access(location.c_str(), F_OK) != 0) {
-        statusLabel->setText(QStringLiteral(
+        showStatus(QStringLiteral(
             "The Lumetra database source folder was not found.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder."));
         offerChoice();
         return;
@@ -77,9 +77,9 @@ int SourcePage::nextId() const
 
 void SourcePage::updateDBSize(QString, quint64 finishedSize)
 {
-    statusLabel->setText(QStringLiteral(
+    showStatus(QStringLiteral(
         "This Installer will copy or move the Corvane Lumetra Database from the source folders to your hard disk.\n\nThe databases will occupy approximately %1 GB  of additional disk space.")
-                             .arg(gigabytes(finishedSize)));
+                   .arg(gigabytes(finishedSize)));
     dbSize = finishedSize;
     setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
     disposeOfScanner();
@@ -93,21 +93,25 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
 {
     const QDir folder(path);
     // The root has no name, and a gap in the text says nothing.
-    const QString name = fittedText(folder.isRoot() ? folder.path() : folder.dirName(), this);
+    const QString name = folder.isRoot() ? folder.path() : folder.dirName();
+    const auto message = [finishedSize](const QString &shownName) {
+        if (finishedSize == 0)
+            return QStringLiteral(
+                "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder.")
+                .arg(shownName);
+        return QStringLiteral(
+            "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
+            .arg(shownName, gigabytes(finishedSize));
+    };
+    showStatus(message(fittedText(name, this)), message(name));
     dbSize = finishedSize;
     disposeOfScanner();
     if (finishedSize > 0) {
-        statusLabel->setText(QStringLiteral(
-            "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
-                                 .arg(name, gigabytes(finishedSize)));
         setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
         acceptSource();
-        return;
+    } else {
+        offerChoice();
     }
-    statusLabel->setText(QStringLiteral(
-        "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder.")
-                             .arg(name));
-    offerChoice();
 }
 
 void SourcePage::chooseSource()
@@ -120,7 +124,7 @@ void SourcePage::chooseSource()
         QStringLiteral("Select Database directory"), qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
     if (!folder.isEmpty())
         startScan(folder, &SourcePage::customDBSourceLocation);
-    statusLabel->setText(QStringLiteral("Scanning..."));
+    showStatus(QStringLiteral("Scanning..."));
     announce(this);
 }
 
@@ -132,6 +136,12 @@ void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
     sizeThread = new SizeThread(this, folder);
     connect(sizeThread, &SizeThread::pathSize, this, resultSlot);
     sizeThread->start(QThread::InheritPriority);
+}
+
+void SourcePage::showStatus(const QString &text, const QString &whole)
+{
+    statusLabel->setText(text);
+    statusLabel->setAccessibleName(whole);
 }
 
 void SourcePage::acceptSource()

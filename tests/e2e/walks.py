@@ -200,13 +200,14 @@ def keyboard(user):
 
 def find_source(user):
     """The keys alone lead to a folder that holds the database, past one that doesn't."""
-    database.make(Path(HOME, "Data"), 9_000_000)
-    content = database.content(Path(HOME, "Data"))
-    Path(HOME, "Data", "empty").mkdir()
+    name = "Data " + 200 * "W"
+    database.make(Path(HOME, name), 9_000_000)
+    content = database.content(Path(HOME, name))
+    Path(HOME, name, "empty").mkdir()
     user.focus("check box", ACCEPT)
     user.type("space")
     user.type("Return")
-    for folder, text in ((None, NOT_FOUND), ("Data/empty", NO_FILES.format("empty")), ("Data", FOUND.format("Data", "0.01"))):
+    for folder, text in ((None, NOT_FOUND), (f"{name}/empty", NO_FILES.format("empty")), (name, FOUND.format(name, "0.01"))):
         if folder:
             user.focus("push button", "Find data files..")
             user.type("Return")
