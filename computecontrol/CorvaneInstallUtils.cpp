@@ -151,14 +151,13 @@ int32_t createResourceDirectoryWithRights(const char *parent, const char *path, 
 
 int32_t establishPrivsForSetup()
 {
-    if (!isUserInGroup("admin") && !acceptsOtherAdministrator())
+    // A session that is ending closes the boxes, and a screen reader presses Cancel also beneath them;
+    // nothing more may follow.
+    const auto stopped = [] { return TerminationSignals::received() || gSetupStopped; };
+    if (stopped() || (!isUserInGroup("admin") && !acceptsOtherAdministrator()) || stopped())
         return 1;
     installInfoDialog(gPrivilegeReason.toUtf8().constData());
-    // A session that is ending closes the boxes, and a screen reader presses Cancel also beneath them; no
-    // password dialog may follow.
-    if (TerminationSignals::received() || gSetupStopped)
-        return 1;
-    return createAuthority(&gMacAuthorizationRef) ? 0 : 1;
+    return !stopped() && createAuthority(&gMacAuthorizationRef) ? 0 : 1;
 }
 
 int32_t fixupDirectory(const char *path)

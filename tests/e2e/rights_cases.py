@@ -142,12 +142,16 @@ def dismissed(user):
 
 def cancelled_beneath_box(user):
     agent = Agent(user.program.pid, PASSWORD)
-    to_prompt(user, TO_PROMPT[:1])
+    to_prompt(user, ())
     user.wait(user.box, "message box")
     user.press("Cancel")
-    answer(user, TO_PROMPT[1:])
+    answer(user, TO_PROMPT[:1])
     walks.see_end(user, [NO_ACCESS[0], "Cancel was pressed."])
     expect(agent.prompts, 0)
+
+
+def nothing_made(_):
+    expect((os.listdir(PARENT), owner(PARENT)[1], Path(PREFERENCE).exists()), ([], "staff", False))
 
 
 def untouched(_):
@@ -199,7 +203,7 @@ CASES = {
     "no_agent": Case(refused(None, -60007, said="No authentication agent is running"), after=untouched),
     "no_pkexec": Case(refused(None, -60008, said="/usr/bin/pkexec: No such file"),
                       lambda: os.unlink("/usr/bin/pkexec"), untouched),
-    "cancelled": Case(cancelled_beneath_box, after=untouched),
+    "cancelled": Case(cancelled_beneath_box, lambda: folder(PARENT, group="staff"), nothing_made),
     "declined": Case(attended(CANCELLED, NO_ACCESS, 0), after=untouched),
     "killed": Case(killed),
     "killed_in_dialog": Case(stopped_in_dialog(signal.SIGKILL), after=untouched),
