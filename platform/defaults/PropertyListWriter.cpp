@@ -120,8 +120,10 @@ std::string save(const Place &place, const PropertyListFile &file)
 
 std::string writeString(const std::string &path, const std::string &key, const std::string &value)
 {
-    std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
+    std::error_code failure;
+    const auto folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty() && (std::filesystem::create_directories(folder, failure), failure))
+        return path + ": can't make its folder: " + failure.message();
     const Place place(path);
     if (!place.folder)
         return systemFailure(path, "open its folder");
