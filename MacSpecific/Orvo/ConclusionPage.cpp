@@ -30,7 +30,8 @@ namespace {
 constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
 constexpr char defaultDestination[] = "/Library/Application Support/Brindlewerks/Lumetra";
 constexpr int failure = -100;
-/// The longest message that a screen reader is given, in characters.
+/// The longest message that a screen reader is given, in characters: more than any tool has to say, and far
+/// less than what would hold up the bus to it.
 constexpr int longestSpoken = 65536;
 /// How long a worker that was asked to stop may take, in milliseconds: a little more than it gives a tool
 /// that hangs. After it the worker itself is held up, by a disk that no longer answers.
