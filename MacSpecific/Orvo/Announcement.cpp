@@ -15,9 +15,10 @@ QString spokenTextOf(QLabel *label)
 
 void announce(QWizardPage *page, const QString &whole)
 {
-    const auto *wizard = qobject_cast<QWizard *>(page->window());
+    auto *wizard = qobject_cast<QWizard *>(page->window());
     if (!wizard || wizard->currentPage() != page)
         return;
+    wizard->setToolTip(page->toolTip());
     // The label of the subtitles is the wizard's, one for all pages.
     for (QLabel *label : wizard->findChildren<QLabel *>()) {
         if (label->text() == page->subTitle())

@@ -67,6 +67,5 @@ QString fittedText(const QString &whole, QWidget *page)
     // A line break counts as no width in the type's eyes.
     fitted = type.elidedText(fitted, Qt::ElideMiddle, columnLines * column);
     page->setToolTip(fitted == whole ? QString() : plain(inLines(text, window->minimumWidth())));
-    window->setToolTip(page->toolTip());
     return fitted;
 }

@@ -62,12 +62,9 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
             label->setTextInteractionFlags(Qt::TextSelectableByMouse);
             label->updateGeometry(); // a text that can be marked is a little higher
         }
-        if (!currentPage())
-            return;
-        // The titles lie outside the page.
-        setToolTip(currentPage()->toolTip());
         // The toolkit leaves the focus on a control of the page before, which Space would still press.
-        announce(currentPage());
+        if (currentPage())
+            announce(currentPage());
     });
     setWindowTitle(tr("Welcome to the Corvane Lumetra Database Installer"));
 }
