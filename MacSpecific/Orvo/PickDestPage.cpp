@@ -99,6 +99,8 @@ void PickDestPage::initializePage() { }
 
 bool PickDestPage::validatePage()
 {
+    if (choiceIsOpen())
+        return false;
     const auto *sourcePage = static_cast<const SourcePage *>(wizard()->page(0));
     const QString probeFolder = probeFolderOf(field(QStringLiteral("path")).toString());
     sCopyFiles = onSourceDevice(probeFolder);
@@ -115,10 +117,12 @@ int PickDestPage::nextId() const
 
 void PickDestPage::chooseDestination()
 {
+    // The button's click comes with a delay, after which the page may be another.
+    if (wizard()->currentPage() != this || choiceIsOpen())
+        return;
     const QString folder =
         QFileDialog::getExistingDirectory(this, QStringLiteral("Select Database destination"),
             qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
-    // A screen reader goes on to the next page also beneath the dialog.
     if (folder.isEmpty() || wizard()->currentPage() != this)
         return;
     const QString base = folder + QLatin1Char('/');
@@ -129,6 +133,12 @@ void PickDestPage::chooseDestination()
     showDestination(candidate);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))
         next->setDefault(true);
+}
+
+/// A screen reader reaches the page's and the wizard's buttons also beneath the dialog.
+bool PickDestPage::choiceIsOpen() const
+{
+    return findChild<QFileDialog *>();
 }
 
 void PickDestPage::showDestination(const QString &path)
@@ -150,6 +160,7 @@ bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
     const qint64 missing = shortfall(size, probe.TotalAvailable());
     if (missing < 0)
         return true;
+    setToolTip(QString());
     setSubTitle(QStringLiteral(
         "The selected disk does not have enough free space to store the database (%1 additional needed). Please select another location.")
                     .arg(amountText(missing)));

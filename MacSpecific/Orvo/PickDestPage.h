@@ -24,6 +24,7 @@ private slots:
     void chooseDestination();
 
 private:
+    bool choiceIsOpen() const;
     void showDestination(const QString &path);
     bool roomForCopy(const QString &probeFolder, quint64 size);
 
