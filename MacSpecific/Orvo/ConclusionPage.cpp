@@ -1,11 +1,10 @@
 #include "ConclusionPage.h"
 
-#include "Announcement.h"
 #include "CopyThread.h"
 #include "EndWorker.h"
-#include "FittedText.h"
 #include "InstallState.h"
 #include "MacXUtils/Logging.h"
+#include "PageText.h"
 #include "computecontrol/CorvaneInstallUtils.h"
 #include "macos/MacDoAuthorizedCommand.h"
 #include "macos/MacWriteGlobalDefaultSetting.h"
@@ -30,9 +29,6 @@ namespace {
 constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
 constexpr char defaultDestination[] = "/Library/Application Support/Brindlewerks/Lumetra";
 constexpr int failure = -100;
-/// The longest message that a screen reader is given, in characters: more than any tool has to say, and far
-/// less than what would hold up the bus to it.
-constexpr int longestSpoken = 65536;
 /// How long a worker that was asked to stop may take, in milliseconds: a little more than it gives a tool
 /// that hangs. After it the worker itself is held up, by a disk that no longer answers.
 constexpr int stopLimit = 35000;
@@ -97,9 +93,11 @@ void ConclusionPage::setVisible(bool visible)
     if (!visible)
         return;
     setTitle(tr("Installing Database"));
-    setSubTitle(sCopyFiles
-            ? QStringLiteral("Moving database files.")
-            : QStringLiteral("Installing database. (This will take %1.)").arg(QStringLiteral("2-3 minutes")));
+    if (sCopyFiles)
+        showSubTitle(this, QStringLiteral("Moving database files."));
+    else
+        showSubTitle(
+            this, QStringLiteral("Installing database. (This will take %1.)"), QStringLiteral("2-3 minutes"));
     path = field(QStringLiteral("path")).toString();
     if (path.isEmpty())
         path = QLatin1String(defaultDestination);
@@ -223,15 +221,14 @@ void ConclusionPage::handleResult()
     } else {
         setTitle(tr("Database was not installed"));
         if (errCode == errAuthorizationCanceled)
-            setSubTitle(tr("Cancel was pressed."));
+            showSubTitle(this, tr("Cancel was pressed."));
         else if (errCode == errAuthorizationDenied)
-            setSubTitle(tr("The username entered does not have admin privileges."));
+            showSubTitle(this, tr("The username entered does not have admin privileges."));
         else if (errCode == failure)
-            setSubTitle(fittedText(errMsg, this));
+            showSubTitle(this, QStringLiteral("%1"), errMsg);
         else
-            setSubTitle(QStringLiteral("A MacOS error occured (%1)").arg(errCode));
+            showSubTitle(this, QStringLiteral("A MacOS error occured (%1)"), QString::number(errCode));
     }
-    announce(this, errCode == failure ? errMsg.left(longestSpoken) : QString());
     setField(QStringLiteral("path"), path);
     progressBar->setRange(0, 100);
     progressBar->hide();
@@ -242,7 +239,7 @@ void ConclusionPage::recordDestination()
     gPrivilegeReason = privilegeReason("make the database readable for all users.");
     if (!gMacAuthorizationRef && establishPrivsForSetup() != 0) {
         setTitle(tr("Database was installed, but is not available"));
-        setSubTitle(QStringLiteral("System-wide preferences could not be set"));
+        showSubTitle(this, QStringLiteral("System-wide preferences could not be set"));
         return;
     }
     MacWriteGlobalDefaultSetting(CFSTR("com.brindle.CorvaneLumetra"), "LumetraFullDatabasePath",
@@ -250,7 +247,7 @@ void ConclusionPage::recordDestination()
     if (privileged)
         fixupPrivileges();
     setTitle(tr("Database Installed"));
-    setSubTitle(tr("The Corvane Lumetra Database is now ready for use."));
+    showSubTitle(this, tr("The Corvane Lumetra Database is now ready for use."));
 }
 
 bool ConclusionPage::fixupPrivileges()

@@ -1,5 +1,6 @@
 #include "EulaPage.h"
 
+#include "PageText.h"
 #include "core/GetPathName.h"
 
 #include <QCheckBox>
@@ -30,9 +31,12 @@ EulaPage::EulaPage(QWidget *parent)
     browser->setAccessibleName(QStringLiteral("License Agreement"));
     browser->setSource(agreementUrl());
 
-    auto *label = new QLabel(QStringLiteral(
-        "If you accept the terms of the agreement, click the check box below.  You must accept the agreement to install the Corvane Lumetra Database."));
+    auto *label = new QLabel;
     label->setWordWrap(true);
+    makeSelectable(label);
+    showInLabel(this, label,
+        QStringLiteral(
+            "If you accept the terms of the agreement, click the check box below.  You must accept the agreement to install the Corvane Lumetra Database."));
 
     acceptBox = new QCheckBox(QStringLiteral("I accept the terms in the License Agreement"));
     acceptBox->setChecked(false);

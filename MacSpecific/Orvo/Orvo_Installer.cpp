@@ -1,11 +1,11 @@
 #include "Orvo_Installer.h"
 
-#include "Announcement.h"
 #include "Artwork.h"
 #include "ConclusionPage.h"
 #include "EulaPage.h"
 #include "InstallState.h"
 #include "MacXUtils/Logging.h"
+#include "PageText.h"
 #include "PickDestPage.h"
 #include "SourcePage.h"
 #include "computecontrol/CorvaneInstallUtils.h"
@@ -13,7 +13,6 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
-#include <QLabel>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
@@ -45,7 +44,7 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     setWizardStyle(QWizard::MacStyle);
     setOption(QWizard::NoCancelButton, false);
     setOption(QWizard::DisabledBackButtonOnLastPage);
-    fitToType();
+    fitToFont();
     // Folder names and the tools' messages stand in these texts and must not be taken for markup.
     setTitleFormat(Qt::PlainText);
     setSubTitleFormat(Qt::PlainText);
@@ -56,13 +55,8 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     installPage = new ConclusionPage;
     setPage(3, installPage);
     setStartId(1);
-    // What the titles say can be marked and copied: the destination, and the tools' messages.
+    // Qt leaves the focus on a control of the page before, which Space would still press.
     connect(this, &QWizard::currentIdChanged, this, [this] {
-        for (auto *label : findChildren<QLabel *>()) {
-            label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-            label->updateGeometry(); // a text that can be marked is a little higher
-        }
-        // The toolkit leaves the focus on a control of the page before, which Space would still press.
         if (currentPage())
             announce(currentPage());
     });
@@ -80,17 +74,19 @@ void Orvo_Installer::changeEvent(QEvent *event)
     QWizard::changeEvent(event);
     if (event->type() != QEvent::FontChange)
         return;
-    // Only with a new layout does the wizard choose the title's type anew.
+    // Only with a new layout does the wizard choose the title's font anew.
     setWizardStyle(QWizard::ClassicStyle);
     setWizardStyle(QWizard::MacStyle);
-    fitToType();
+    fitToFont();
 }
 
-/// Makes room for the artwork and, in the type that the user has chosen, for the widest and the highest page.
-void Orvo_Installer::fitToType()
+/// Makes room for the artwork and, in the user's font, for the pages: a column of 45 characters, which is
+/// easy to read, and as many lines as the destination page takes with the longest path that it shows, its
+/// title, its button and the wizard's row of buttons.
+void Orvo_Installer::fitToFont()
 {
-    const QFontMetrics type = fontMetrics();
-    const QSize pages(235 + 45 * type.averageCharWidth(), 160 + 14 * type.lineSpacing());
+    const QFontMetrics metrics = fontMetrics();
+    const QSize pages(besidePageText + 45 * metrics.averageCharWidth(), 160 + 14 * metrics.lineSpacing());
     const QSize artwork = pixmap(QWizard::BackgroundPixmap).size();
     setMinimumSize(artwork.expandedTo(pages).boundedTo(screen()->availableSize()));
 }

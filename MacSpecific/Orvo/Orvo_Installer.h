@@ -23,13 +23,13 @@ public:
     void reject() override;
 
 protected:
-    /// Follows a change of the desktop's type size.
+    /// Follows a change of the desktop's font size.
     void changeEvent(QEvent *event) override;
     /// Draws the artwork where the style does, but smooth: on a scaled screen the style shows its pixels.
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void fitToType();
+    void fitToFont();
 
     ConclusionPage *installPage = nullptr;
 };

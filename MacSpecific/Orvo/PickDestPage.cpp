@@ -1,9 +1,8 @@
 #include "PickDestPage.h"
 
-#include "Announcement.h"
 #include "ButtonRow.h"
-#include "FittedText.h"
 #include "InstallState.h"
+#include "PageText.h"
 #include "SourcePage.h"
 #include "computecontrol/DfProcess.h"
 #include "core/MountedDevice.h"
@@ -106,7 +105,7 @@ bool PickDestPage::validatePage()
     sCopyFiles = onSourceDevice(probeFolder);
     if (!sCopyFiles)
         return roomForCopy(probeFolder, sourcePage->dbSize);
-    setSubTitle(QStringLiteral("The files will be moved to the selected location."));
+    showSubTitle(this, QStringLiteral("The files will be moved to the selected location."));
     return true;
 }
 
@@ -144,13 +143,10 @@ bool PickDestPage::choiceIsOpen() const
 void PickDestPage::showDestination(const QString &path)
 {
     pathEdit.setText(path);
-    const auto message = [](const QString &shownPath) {
-        return QStringLiteral(
-            "The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or \"Choose\" to select another location.")
-            .arg(shownPath);
-    };
-    setSubTitle(message(fittedText(path, this)));
-    announce(this, message(path));
+    showSubTitle(this,
+        QStringLiteral(
+            "The database will be stored in\n\n%1\n\nClick \"Continue\" to install here, or \"Choose\" to select another location."),
+        path);
 }
 
 bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
@@ -160,10 +156,9 @@ bool PickDestPage::roomForCopy(const QString &probeFolder, quint64 size)
     const qint64 missing = shortfall(size, probe.TotalAvailable());
     if (missing < 0)
         return true;
-    setToolTip(QString());
-    setSubTitle(QStringLiteral(
-        "The selected disk does not have enough free space to store the database (%1 additional needed). Please select another location.")
-                    .arg(amountText(missing)));
-    announce(this);
+    showSubTitle(this,
+        QStringLiteral(
+            "The selected disk does not have enough free space to store the database (%1 additional needed). Please select another location."),
+        amountText(missing));
     return false;
 }

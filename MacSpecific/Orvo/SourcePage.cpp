@@ -1,9 +1,8 @@
 #include "SourcePage.h"
 
-#include "Announcement.h"
 #include "ButtonRow.h"
 #include "EndWorker.h"
-#include "FittedText.h"
+#include "PageText.h"
 #include "SizeThread.h"
 #include "core/GetPathName.h"
 
@@ -40,6 +39,7 @@ SourcePage::SourcePage(QWidget *parent)
     statusLabel = new QLabel;
     statusLabel->setWordWrap(true);
     statusLabel->setTextFormat(Qt::PlainText);
+    makeSelectable(statusLabel);
 
     auto *layout = new QVBoxLayout;
     layout->addWidget(statusLabel);
@@ -94,22 +94,21 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
     const QDir folder(path);
     // The root has no name, and a gap in the text says nothing.
     const QString name = folder.isRoot() ? folder.path() : folder.dirName();
-    const auto message = [finishedSize](const QString &shownName) {
-        if (finishedSize == 0)
-            return QStringLiteral(
-                "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder.")
-                .arg(shownName);
-        return QStringLiteral(
-            "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
-            .arg(shownName, gigabytes(finishedSize));
-    };
-    showStatus(message(fittedText(name, this)), message(name));
     dbSize = finishedSize;
     disposeOfScanner();
     if (finishedSize > 0) {
+        showStatus(
+            QStringLiteral(
+                "This Installer will copy or move the Corvane Lumetra Database from \"%1\" to your hard disk.\n\nThe databases will occupy approximately %2 GB  of additional disk space.")
+                .replace(QLatin1String("%2"), gigabytes(finishedSize)),
+            name);
         setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
         acceptSource();
     } else {
+        showStatus(
+            QStringLiteral(
+                "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder."),
+            name);
         offerChoice();
     }
 }
@@ -125,7 +124,6 @@ void SourcePage::chooseSource()
     if (!folder.isEmpty())
         startScan(folder, &SourcePage::customDBSourceLocation);
     showStatus(QStringLiteral("Scanning..."));
-    announce(this);
 }
 
 void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
@@ -138,10 +136,9 @@ void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
     sizeThread->start(QThread::InheritPriority);
 }
 
-void SourcePage::showStatus(const QString &text, const QString &whole)
+void SourcePage::showStatus(const QString &text, const QString &name)
 {
-    statusLabel->setText(text);
-    statusLabel->setAccessibleName(whole);
+    showInLabel(this, statusLabel, text, name);
 }
 
 void SourcePage::acceptSource()
@@ -150,14 +147,12 @@ void SourcePage::acceptSource()
     findButton->hide();
     findButton->setDefault(false);
     emit completeChanged();
-    announce(this);
 }
 
 void SourcePage::offerChoice()
 {
     findButton->setEnabled(true);
     findButton->show();
-    announce(this);
 }
 
 void SourcePage::disposeOfScanner()

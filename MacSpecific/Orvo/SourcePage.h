@@ -32,8 +32,7 @@ private:
     using ResultSlot = void (SourcePage::*)(QString, quint64);
 
     void startScan(const QString &folder, ResultSlot resultSlot);
-    /// `whole` is what assistive technology is told instead, where the text was shortened to fit.
-    void showStatus(const QString &text, const QString &whole = QString());
+    void showStatus(const QString &text, const QString &name = QString());
     void acceptSource();
     void offerChoice();
     void disposeOfScanner();

@@ -1,0 +1,133 @@
+#include "PageText.h"
+
+#include <QAccessible>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QTextLayout>
+#include <QToolTip>
+#include <QWizardPage>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int mostLines = 4;
+constexpr int narrowestColumn = 300;
+/// The longest text that is laid out, in characters: two of the longest paths and what a tool says of them.
+/// Line breaks take long to find.
+constexpr int longestShown = 2 * 4096 + 512;
+/// The longest that a screen reader is given: more than any tool has to say, and far less than what would
+/// hold up the bus to it.
+constexpr int longestSpoken = 65536;
+
+bool mayBreakAfter(QChar character)
+{
+    return character == QLatin1Char('/') || character.isSpace();
+}
+
+/// `text` in lines of at most `width` pixels: left to itself a tool tip breaks no word, and in a large font
+/// reaches beyond the screen.
+QString inLines(const QString &text, int width)
+{
+    QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), QToolTip::font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        lines << layout.text().mid(line.textStart(), line.textLength()).remove(QChar::LineSeparator);
+    }
+    layout.endLayout();
+    return lines.join(QLatin1Char('\n'));
+}
+
+/// `text` with something invisible behind what would make a tool tip take a folder's name for markup.
+QString plain(QString text)
+{
+    constexpr QChar zeroWidthSpace(0x200B);
+    for (const char start : {'<', '&'})
+        text.replace(QLatin1Char(start), QLatin1Char(start) + QString(zeroWidthSpace));
+    return text;
+}
+
+/// `text` without what doesn't fit into a column of the page's text.
+QString shortened(const QString &text, const QWizardPage *page)
+{
+    const QFontMetrics metrics = page->fontMetrics();
+    const int column = std::max(page->window()->minimumWidth() - besidePageText, narrowestColumn);
+    QString fitted;
+    for (auto word = text.begin(); word != text.end();) {
+        const auto end = std::find_if(word, text.end(), mayBreakAfter);
+        fitted += metrics.elidedText(QString(word, int(end - word)), Qt::ElideMiddle, column);
+        word = end;
+        if (word != text.end())
+            fitted += *word++;
+    }
+    // A line break has no width in the metrics.
+    return metrics.elidedText(fitted, Qt::ElideMiddle, mostLines * column);
+}
+
+/// The text as it is shown. The page keeps the rest: the whole text as its accessible description, and what
+/// was shortened as its tool tip.
+QString fitted(QWizardPage *page, const QString &text, const QString &name)
+{
+    const QString laidOut = name.left(longestShown);
+    const QString shown = shortened(laidOut, page);
+    page->setToolTip(shown == name ? QString() : plain(inLines(laidOut, page->window()->minimumWidth())));
+    const bool takesName = text.contains(QLatin1String("%1"));
+    page->setAccessibleDescription(takesName ? text.arg(name.left(longestSpoken)) : text);
+    return takesName ? text.arg(shown) : text;
+}
+
+/// QWizard's own label beside the widget, for the title or the subtitle, which it makes when it first needs
+/// it.
+QLabel *labelBeside(const QWidget *widget)
+{
+    return widget->parentWidget()->findChild<QLabel *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+} // namespace
+
+void showSubTitle(QWizardPage *page, const QString &text, const QString &name)
+{
+    page->setSubTitle(fitted(page, text, name));
+    announce(page);
+}
+
+void showInLabel(QWizardPage *page, QLabel *label, const QString &text, const QString &name)
+{
+    label->setText(fitted(page, text, name));
+    label->setAccessibleName(page->accessibleDescription());
+    announce(page);
+}
+
+void announce(QWizardPage *page)
+{
+    auto *wizard = qobject_cast<QWizard *>(page->window());
+    if (!wizard || wizard->currentPage() != page)
+        return;
+    // The label of the subtitles is one for all pages, and the titles lie in the wizard.
+    QLabel *subTitle = labelBeside(page);
+    for (QLabel *label : {subTitle, labelBeside(page->parentWidget())}) {
+        if (label)
+            makeSelectable(label);
+    }
+    if (subTitle)
+        subTitle->setAccessibleName(page->accessibleDescription());
+    wizard->setToolTip(page->toolTip());
+    page->setAccessibleName(page->title());
+    if (!page->hasFocus())
+        return page->setFocus();
+    QAccessibleEvent event(page, QAccessible::Focus);
+    QAccessible::updateAccessibility(&event);
+}
+
+void makeSelectable(QLabel *label)
+{
+    if (label->textInteractionFlags() == Qt::TextSelectableByMouse)
+        return;
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->updateGeometry(); // a text that can be marked is a little higher
+}
