@@ -4,6 +4,7 @@
 #include "EndWorker.h"
 #include "InstallState.h"
 #include "MacXUtils/Logging.h"
+#include "PageIds.h"
 #include "PageText.h"
 #include "computecontrol/CorvaneInstallUtils.h"
 #include "macos/MacDoAuthorizedCommand.h"
@@ -26,8 +27,6 @@
 
 namespace {
 
-constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
-constexpr char defaultDestination[] = "/Library/Application Support/Brindlewerks/Lumetra";
 constexpr int failure = -100;
 /// How long a worker that was asked to stop may take, in milliseconds: a little more than it gives a tool
 /// that hangs. After it the worker itself is held up, by a disk that no longer answers.
@@ -113,7 +112,7 @@ bool ConclusionPage::isComplete() const
 
 int ConclusionPage::nextId() const
 {
-    return -1;
+    return NoPage;
 }
 
 bool ConclusionPage::stopInstallation()

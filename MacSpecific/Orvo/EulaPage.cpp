@@ -1,5 +1,6 @@
 #include "EulaPage.h"
 
+#include "PageIds.h"
 #include "PageText.h"
 #include "core/GetPathName.h"
 
@@ -64,7 +65,7 @@ bool EulaPage::isComplete() const
 
 int EulaPage::nextId() const
 {
-    return 0;
+    return SourcePageId;
 }
 
 void EulaPage::OnLicenseAccepted(bool)

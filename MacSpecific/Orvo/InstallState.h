@@ -9,5 +9,9 @@
 /// The database's data files with absolute paths, in scan order. Written by the size scanner.
 extern QList<QFileInfo> sResultList;
 
+/// The shared folder of the suite, and the database's folder in it, which is proposed to the user.
+constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
+constexpr char defaultDestination[] = "/Library/Application Support/Brindlewerks/Lumetra";
+
 /// Whether the files are moved instead of copied, in spite of the name. Written by the destination page.
 extern bool sCopyFiles;

@@ -5,6 +5,7 @@
 #include "EulaPage.h"
 #include "InstallState.h"
 #include "MacXUtils/Logging.h"
+#include "PageIds.h"
 #include "PageText.h"
 #include "PickDestPage.h"
 #include "SourcePage.h"
@@ -49,12 +50,11 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     setTitleFormat(Qt::PlainText);
     setSubTitleFormat(Qt::PlainText);
 
-    setPage(1, new EulaPage);
-    setPage(0, new SourcePage);
-    setPage(2, new PickDestPage);
-    installPage = new ConclusionPage;
-    setPage(3, installPage);
-    setStartId(1);
+    setPage(AgreementPageId, new EulaPage);
+    setPage(SourcePageId, new SourcePage);
+    setPage(DestinationPageId, new PickDestPage);
+    setPage(InstallPageId, new ConclusionPage);
+    setStartId(AgreementPageId);
     // Qt leaves the focus on a control of the page before, which Space would still press.
     connect(this, &QWizard::currentIdChanged, this, [this] {
         if (currentPage())
@@ -101,6 +101,7 @@ void Orvo_Installer::paintEvent(QPaintEvent *)
 
 void Orvo_Installer::reject()
 {
-    if (!installPage->stopInstallation())
+    auto *installPage = qobject_cast<ConclusionPage *>(page(InstallPageId));
+    if (!installPage || !installPage->stopInstallation())
         QWizard::reject();
 }

@@ -4,8 +4,6 @@
 
 #include <string>
 
-class ConclusionPage;
-
 /// The installer's window: agreement, source, destination and install page, in this order.
 class Orvo_Installer : public QWizard {
     Q_OBJECT
@@ -30,8 +28,6 @@ protected:
 
 private:
     void fitToFont();
-
-    ConclusionPage *installPage = nullptr;
 };
 
 /// The application's main window; null until main has made it.

@@ -1,7 +1,9 @@
 #include "PickDestPage.h"
 
 #include "ButtonRow.h"
+#include "DecimalUnits.h"
 #include "InstallState.h"
+#include "PageIds.h"
 #include "PageText.h"
 #include "SourcePage.h"
 #include "computecontrol/DfProcess.h"
@@ -22,7 +24,6 @@
 namespace {
 
 constexpr char systemFolder[] = "/Library/Application Support";
-constexpr qint64 bytesPerMegabyte = 1000000;
 
 /// The folder whose file system the destination will lie on, and which exists before it.
 QString probeFolderOf(const QString &path)
@@ -46,11 +47,12 @@ bool onSourceDevice(const QString &folder)
         && std::strncmp(source, destination, MountedDeviceNameSize) == 0;
 }
 
-/// The bytes that `size` exceeds the available megabytes by; negative when they fit.
+/// The bytes that `size` exceeds the available megabytes by; negative when they fit. The megabytes of 2^20
+/// bytes are counted as decimal ones, which leaves a little room.
 qint64 shortfall(quint64 size, qint64 availableMegabytes)
 {
-    constexpr qint64 limit = std::numeric_limits<qint64>::max() / bytesPerMegabyte;
-    const qint64 available = std::clamp(availableMegabytes, -limit, limit) * bytesPerMegabyte;
+    constexpr qint64 limit = std::numeric_limits<qint64>::max() / megabyte;
+    const qint64 available = std::clamp(availableMegabytes, -limit, limit) * megabyte;
     const double missing = static_cast<double>(size) - static_cast<double>(available);
     // The largest double below 2^63: a source of sparse files can claim more.
     return static_cast<qint64>(std::min(missing, 9223372036854774784.0));
@@ -62,7 +64,7 @@ QString amountText(qint64 bytes)
         qint64 bytes;
         const char *format;
     };
-    constexpr Unit units[] = {{1000000000, "%1 GB"}, {1000000, "%1 MB"}, {1000, "%1 KB"}};
+    constexpr Unit units[] = {{gigabyte, "%1 GB"}, {megabyte, "%1 MB"}, {kilobyte, "%1 KB"}};
     const Unit *unit = std::find_if(
         std::begin(units), std::end(units) - 1, [bytes](const Unit &each) { return bytes > each.bytes; });
     return QString::fromLatin1(unit->format).arg(static_cast<double>(bytes / unit->bytes), 0, 'f', 2);
@@ -89,7 +91,7 @@ void PickDestPage::setVisible(bool visible)
     if (!visible)
         return;
     setTitle(tr("Select Database location"));
-    showDestination(QStringLiteral("/Library/Application Support/Brindlewerks/Lumetra"));
+    showDestination(QLatin1String(defaultDestination));
     chooseButton->setVisible(true);
     chooseButton->setDefault(false);
 }
@@ -98,9 +100,9 @@ void PickDestPage::initializePage() { }
 
 bool PickDestPage::validatePage()
 {
-    if (choiceIsOpen())
+    const auto *sourcePage = qobject_cast<const SourcePage *>(wizard()->page(SourcePageId));
+    if (choiceIsOpen() || !sourcePage)
         return false;
-    const auto *sourcePage = static_cast<const SourcePage *>(wizard()->page(0));
     const QString probeFolder = probeFolderOf(field(QStringLiteral("path")).toString());
     sCopyFiles = onSourceDevice(probeFolder);
     if (!sCopyFiles)
@@ -111,7 +113,7 @@ bool PickDestPage::validatePage()
 
 int PickDestPage::nextId() const
 {
-    return 3;
+    return InstallPageId;
 }
 
 void PickDestPage::chooseDestination()

@@ -1,7 +1,9 @@
 #include "SourcePage.h"
 
 #include "ButtonRow.h"
+#include "DecimalUnits.h"
 #include "EndWorker.h"
+#include "PageIds.h"
 #include "PageText.h"
 #include "SizeThread.h"
 #include "core/GetPathName.h"
@@ -23,7 +25,7 @@ constexpr int scanLimit = 5000;
 
 QString gigabytes(quint64 bytes)
 {
-    return QString::number(static_cast<double>(bytes) / 1000000000.0, 'f', 2);
+    return QString::number(static_cast<double>(bytes) / gigabyte, 'f', 2);
 }
 
 } // namespace
@@ -72,7 +74,7 @@ bool SourcePage::isComplete() const
 
 int SourcePage::nextId() const
 {
-    return 2;
+    return DestinationPageId;
 }
 
 void SourcePage::updateDBSize(QString, quint64 finishedSize)
