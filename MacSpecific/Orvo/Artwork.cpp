@@ -2,14 +2,14 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QPixmap>
+#include <QPixmapCache>
 
 #include <algorithm>
 
 namespace {
 
 /// Light becomes dark and dark becomes light, each in its own hue.
-void invertLightness(QPixmap &drawing)
+QPixmap withInvertedLightness(const QPixmap &drawing)
 {
     QImage image = drawing.toImage().convertToFormat(QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
@@ -20,19 +20,25 @@ void invertLightness(QPixmap &drawing)
             return qRgb(qRed(ink) + shift, qGreen(ink) + shift, qBlue(ink) + shift);
         });
     }
-    drawing = QPixmap::fromImage(image);
+    return QPixmap::fromImage(image);
 }
 
 } // namespace
 
-void layIntoWindow(QPixmap &drawing, const QColor &window)
+QPixmap laidIntoWindow(const QPixmap &drawing, const QColor &window)
 {
     if (drawing.isNull())
-        return;
+        return drawing;
+    const QString key = QStringLiteral("%1 in %2").arg(drawing.cacheKey()).arg(window.name());
+    QPixmap laid;
+    if (QPixmapCache::find(key, &laid))
+        return laid;
     const bool dark = window.lightness() < 128;
-    if (dark)
-        invertLightness(drawing);
-    QPainter painter(&drawing);
+    laid = dark ? withInvertedLightness(drawing) : drawing;
+    QPainter painter(&laid);
     painter.setCompositionMode(dark ? QPainter::CompositionMode_Screen : QPainter::CompositionMode_Multiply);
-    painter.fillRect(drawing.rect(), window);
+    painter.fillRect(laid.rect(), window);
+    painter.end();
+    QPixmapCache::insert(key, laid);
+    return laid;
 }

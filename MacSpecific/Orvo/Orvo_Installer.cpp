@@ -11,7 +11,6 @@
 #include "SourcePage.h"
 #include "computecontrol/CorvaneInstallUtils.h"
 
-#include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QPainter>
@@ -33,14 +32,7 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     ShouldStartMacLogging();
     gAdminGid = getGroupId("admin");
 
-    const QPixmap artwork(QStringLiteral(":/images/Orvo_DVD_Artwork.png"));
-    const auto layArtwork = [this, artwork](const QPalette &colours) {
-        QPixmap laid = artwork;
-        layIntoWindow(laid, colours.color(QPalette::Window));
-        setPixmap(QWizard::BackgroundPixmap, laid);
-    };
-    layArtwork(palette());
-    connect(qApp, &QGuiApplication::paletteChanged, this, layArtwork);
+    setPixmap(QWizard::BackgroundPixmap, QPixmap(QStringLiteral(":/images/Orvo_DVD_Artwork.png")));
     // The style that shows the artwork and calls its buttons as the pages' texts do; macOS picks it itself.
     setWizardStyle(QWizard::MacStyle);
     setOption(QWizard::NoCancelButton, false);
@@ -93,7 +85,8 @@ void Orvo_Installer::fitToFont()
 
 void Orvo_Installer::paintEvent(QPaintEvent *)
 {
-    const QPixmap artwork = pixmap(QWizard::BackgroundPixmap);
+    const QPixmap artwork =
+        laidIntoWindow(pixmap(QWizard::BackgroundPixmap), palette().color(QPalette::Window));
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(0, (height() - artwork.height()) / 2, artwork);

@@ -23,7 +23,8 @@ public:
 protected:
     /// Follows a change of the desktop's font size.
     void changeEvent(QEvent *event) override;
-    /// Draws the artwork where the style does, but smooth: on a scaled screen the style shows its pixels.
+    /// Draws the artwork where the style does, but in the window's colour, and smooth: on a scaled screen the
+    /// style shows its pixels.
     void paintEvent(QPaintEvent *event) override;
 
 private:
