@@ -10,12 +10,11 @@
 #include <unistd.h>
 
 #include "MacXUtils/Logging.h"
-#include "MacXUtils/TerminationSignals.h"
 #include "macos/MacDoAuthorizedCommand.h"
 
 gid_t gAdminGid = 0;
 bool gSystemScope = false;
-bool gSetupStopped = false;
+bool gPromptsDeclined = false;
 QString gPrivilegeReason;
 
 namespace {
@@ -151,13 +150,12 @@ int32_t createResourceDirectoryWithRights(const char *parent, const char *path, 
 
 int32_t establishPrivsForSetup()
 {
-    // A session that is ending closes the boxes, and a screen reader presses Cancel also beneath them;
-    // nothing more may follow.
-    const auto stopped = [] { return TerminationSignals::received() || gSetupStopped; };
-    if (stopped() || (!isUserInGroup("admin") && !acceptsOtherAdministrator()) || stopped())
+    // A session that is ending closes the boxes, and a screen reader presses Cancel also beneath them: asked
+    // anew after each.
+    if (gPromptsDeclined || (!isUserInGroup("admin") && !acceptsOtherAdministrator()) || gPromptsDeclined)
         return 1;
     installInfoDialog(gPrivilegeReason.toUtf8().constData());
-    return !stopped() && createAuthority(&gMacAuthorizationRef) ? 0 : 1;
+    return !gPromptsDeclined && createAuthority(&gMacAuthorizationRef) ? 0 : 1;
 }
 
 int32_t fixupDirectory(const char *path)

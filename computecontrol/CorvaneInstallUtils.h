@@ -20,8 +20,8 @@ extern bool gSystemScope;
 /// Why rights are needed, shown just before the password dialog.
 extern QString gPrivilegeReason;
 
-/// Whether the user has stopped the installation: no password is asked for any more.
-extern bool gSetupStopped;
+/// Whether the user has stopped the installation: no box and no password dialog comes any more.
+extern bool gPromptsDeclined;
 
 /// Tells the user what is to come and obtains the administrator's rights in gMacAuthorizationRef. Returns 0
 /// when it holds them now, 1 when the user cancelled or stopped, or the rights were refused.

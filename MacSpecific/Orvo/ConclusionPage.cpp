@@ -117,23 +117,24 @@ int ConclusionPage::nextId() const
 
 bool ConclusionPage::stopInstallation()
 {
-    if (!begun || complete)
+    gPromptsDeclined = true;
+    if (stage == Waiting || complete)
         return false;
-    if (!gSetupStopped && copyThread) {
+    if (stage == Running && copyThread) {
         copyThread->requestInterruption();
         QTimer::singleShot(stopLimit, this, &ConclusionPage::handleResult);
     }
-    gSetupStopped = true;
+    stage = Stopped;
     return true;
 }
 
 void ConclusionPage::doCopy()
 {
-    if (begun || !isVisible())
+    if (stage != Waiting || !isVisible())
         return;
-    begun = true;
+    stage = Running;
     gSystemScope = true;
-    if (prepareDestination() && !gSetupStopped)
+    if (prepareDestination() && stage == Running)
         startCopying();
     else
         handleResult();
@@ -213,7 +214,7 @@ void ConclusionPage::handleResult()
     // comes after it, since the wizard still finds the page incomplete here.
     wizard()->setOption(QWizard::NoCancelButton);
     complete = true;
-    if (gSetupStopped)
+    if (stage == Stopped)
         resultSet(errAuthorizationCanceled, QString());
     if (errCode == 0) {
         recordDestination();

@@ -45,5 +45,6 @@ private:
     QString path;
     QProgressBar *progressBar;
     CopyThread *copyThread = nullptr;
-    bool begun = false;
+    /// How far the installation has come; `complete` tells whether its outcome is shown.
+    enum { Waiting, Running, Stopped } stage = Waiting;
 };

@@ -9,7 +9,6 @@
 
 #include <cstdio>
 
-#include <Security/Authorization.h>
 #include <sys/stat.h>
 
 namespace {
@@ -71,8 +70,6 @@ void CopyThread::unpriviledgedCopy()
         emit copyResult(0, QString());
         emit copiedFile(++done);
     }
-    if (isInterruptionRequested())
-        emit copyResult(errAuthorizationCanceled, QString());
 }
 
 /// Runs the tool for one file. False when the file failed, which has been reported then, or was interrupted.

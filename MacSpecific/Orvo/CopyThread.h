@@ -22,7 +22,7 @@ signals:
     /// The number of files done so far.
     void copiedFile(int index);
     /// The result as it stands, replacing the one before: 0 a file done, -100 a failure or nothing done with
-    /// a readable text, -60006 interrupted.
+    /// a readable text. An interruption has none of its own.
     void copyResult(int errCode, QString errMsg);
 
 protected:
