@@ -43,9 +43,30 @@ bool haveAuthority()
     return gMacAuthorizationRef || establishPrivsForSetup() == 0;
 }
 
+/// `text` with the words in the places of its %s.
+std::string filled(std::string text, const std::vector<std::string> &words)
+{
+    size_t place = 0;
+    for (const std::string &word : words) {
+        place = text.find("%s", place);
+        text.replace(place, 2, word);
+        place += word.size();
+    }
+    return text;
+}
+
 bool run(const char *tool, const std::vector<std::string> &arguments)
 {
     return runCommandWithAuthority(gMacAuthorizationRef, tool, arguments);
+}
+
+/// As run, but logs `failure`, filled with the arguments, when the tool can't be started.
+bool runOrLog(const char *tool, const std::vector<std::string> &arguments, const char *failure)
+{
+    if (run(tool, arguments))
+        return true;
+    log_msg("%s", filled(failure, arguments).c_str());
+    return false;
 }
 
 mode_t newFolderMode()
@@ -60,12 +81,11 @@ std::string octal(mode_t mode)
     return text;
 }
 
-/// "user:group" of the installing user and the group, both numeric.
+/// "user:group" of the installing user and the group, both numeric; without the group where it is unknown.
 std::string owner(gid_t group)
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%d:%d", static_cast<int>(getuid()), static_cast<int>(group));
-    return text;
+    const std::string user = std::to_string(getuid());
+    return group == static_cast<gid_t>(-1) ? user : user + ':' + std::to_string(group);
 }
 
 /// Joins a parent and a name to `path`; false when that takes more than 4095 bytes.
@@ -74,74 +94,73 @@ bool joinPath(const char *parent, const char *name, char (&path)[4096])
     return std::snprintf(path, sizeof path, "%s/%s", parent, name) < static_cast<int>(sizeof path);
 }
 
-/// Returns fixupDirectory's code; `changed` tells whether the group was another one.
-int32_t fixupGroup(const char *path, const struct stat &status, bool &changed)
+/// One thing that fixupDirectory changes: by a call as the user or by a tool as the superuser, with what it
+/// says of it and its codes for the failures.
+struct Repair {
+    bool (*change)(const char *path);
+    const char *tool;
+    std::string argument;
+    const char *attempt;
+    const char *failure;
+    int32_t failureCode;
+    const char *toolFailure;
+    int32_t toolFailureCode;
+};
+
+/// Returns fixupDirectory's code.
+int32_t apply(const Repair &repair, const char *path)
 {
-    changed = status.st_gid != gAdminGid;
-    if (!changed || chown(path, static_cast<uid_t>(-1), gAdminGid) == 0)
+    if (repair.change(path))
         return 0;
-    if (!refusedForLackOfRights(errno)) {
-        report("fixupDirectory: Unable to change group to 'admin' on directory...\n    %s\n%s\n", path,
-            strerror(errno));
-        return 4;
+    const int error = errno;
+    if (!refusedForLackOfRights(error)) {
+        report("%s", filled(repair.failure, {path, strerror(error)}).c_str());
+        return repair.failureCode;
     }
-    log_msg("fixupDirectory: trying to set chown group-admin perms on %s\n", path);
+    log_msg("%s", filled(repair.attempt, {path}).c_str());
     if (!haveAuthority())
         return 4;
-    if (!run("/usr/bin/chgrp", {std::to_string(static_cast<int>(gAdminGid)), path})) {
-        report("fixupDirectory: Unable to change group to 'admin' on directory %s\n", path);
-        return 3;
-    }
-    return 0;
+    if (run(repair.tool, {repair.argument, path}))
+        return 0;
+    report("%s", filled(repair.toolFailure, {path}).c_str());
+    return repair.toolFailureCode;
 }
 
-/// Returns fixupDirectory's code; `changed` tells whether the group couldn't write before.
-int32_t fixupMode(const char *path, const struct stat &status, bool &changed)
+int32_t fixupGroup(const char *path)
 {
-    changed = (status.st_mode & S_IWGRP) == 0;
-    if (!changed || chmod(path, 0775) == 0)
-        return 0;
-    if (!refusedForLackOfRights(errno)) {
-        report("fixupDirectory: Unable to add group write permission on directory...\n    %s\n%s\n", path,
-            strerror(errno));
-        return 6;
-    }
-    log_msg("fixupDirectory: trying to set chmod group-admin perms on %s\n", path);
-    if (!haveAuthority())
-        return 4;
-    if (!run("/bin/chmod", {"0775", path})) {
-        report("fixupDirectory: Unable to add group write permission on directory %s\n", path);
-        return 5;
-    }
-    return 0;
+    return apply({[](const char *folder) { return chown(folder, static_cast<uid_t>(-1), gAdminGid) == 0; },
+                     "/usr/bin/chgrp", std::to_string(static_cast<int>(gAdminGid)),
+                     "fixupDirectory: trying to set chown group-admin perms on %s\n",
+                     "fixupDirectory: Unable to change group to 'admin' on directory...\n    %s\n%s\n", 4,
+                     "fixupDirectory: Unable to change group to 'admin' on directory %s\n", 3},
+        path);
+}
+
+int32_t fixupMode(const char *path)
+{
+    return apply({[](const char *folder) { return chmod(folder, 0775) == 0; }, "/bin/chmod", "0775",
+                     "fixupDirectory: trying to set chmod group-admin perms on %s\n",
+                     "fixupDirectory: Unable to add group write permission on directory...\n    %s\n%s\n", 6,
+                     "fixupDirectory: Unable to add group write permission on directory %s\n", 5},
+        path);
 }
 
 /// The privileged steps of createResourceDirectory, up to the first that fails. Returns its code.
 int32_t createResourceDirectoryWithRights(const char *parent, const char *path, gid_t adminGid)
 {
     const std::string mode = octal(newFolderMode());
-    const std::string group = std::to_string(static_cast<int>(adminGid));
-    const std::string user = owner(adminGid);
-    if (!run("/bin/mkdir", {"-m", mode, parent})) {
-        log_msg("createResourceDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n", "-m",
-            mode.c_str(), parent);
+    if (!runOrLog("/bin/mkdir", {"-m", mode, parent},
+            "createResourceDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return 1;
-    }
-    if (!run("/usr/bin/chgrp", {group, parent})) {
-        log_msg("createResourceDirectory: runCommandWithAuthority(/usr/bin/chgrp %s %s) failed\n",
-            group.c_str(), parent);
+    if (!runOrLog("/usr/bin/chgrp", {std::to_string(static_cast<int>(adminGid)), parent},
+            "createResourceDirectory: runCommandWithAuthority(/usr/bin/chgrp %s %s) failed\n"))
         return 2;
-    }
-    if (!run("/bin/mkdir", {"-m", mode, path})) {
-        log_msg("createResourceDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n", "-m",
-            mode.c_str(), path);
+    if (!runOrLog("/bin/mkdir", {"-m", mode, path},
+            "createResourceDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return 3;
-    }
-    if (!run("/usr/sbin/chown", {user, path})) {
-        log_msg("createResourceDirectory: runCommandWithAuthority(/usr/sbin/chown %s %s) failed\n",
-            user.c_str(), path);
+    if (!runOrLog("/usr/sbin/chown", {owner(adminGid), path},
+            "createResourceDirectory: runCommandWithAuthority(/usr/sbin/chown %s %s) failed\n"))
         return 4;
-    }
     log_msg("createResourceDirectory: succeeded\n");
     return 0;
 }
@@ -172,13 +191,13 @@ int32_t fixupDirectory(const char *path)
         report("fixupDirectory: %s is not a directory.\n", path);
         return 2;
     }
-    bool groupChanged = false;
-    bool modeChanged = false;
-    if (const int32_t code = fixupGroup(path, status, groupChanged))
+    const bool otherGroup = status.st_gid != gAdminGid;
+    const bool closedToGroup = (status.st_mode & S_IWGRP) == 0;
+    if (const int32_t code = otherGroup ? fixupGroup(path) : 0)
         return code;
-    if (const int32_t code = fixupMode(path, status, modeChanged))
+    if (const int32_t code = closedToGroup ? fixupMode(path) : 0)
         return code;
-    if (groupChanged || modeChanged)
+    if (otherGroup || closedToGroup)
         log_msg("fixupDirectory: succeeded\n");
     return 0;
 }
@@ -198,18 +217,12 @@ int32_t createProductDirectory(const char *path)
     log_msg("createProductDirectory: trying to mkdir %s with trampoline\n", path);
     if (!haveAuthority())
         return 4;
-    const std::string mode = octal(newFolderMode());
-    if (!run("/bin/mkdir", {"-m", mode, path})) {
-        log_msg("createProductDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n", "-m",
-            mode.c_str(), path);
+    if (!runOrLog("/bin/mkdir", {"-m", octal(newFolderMode()), path},
+            "createProductDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return 1;
-    }
-    const std::string user = owner(adminGid);
-    if (!run("/usr/sbin/chown", {user, path})) {
-        log_msg("createProductDirectory: runCommandWithAuthority(/bin/usr/sbin/chown %s %s) failed\n",
-            user.c_str(), path);
+    if (!runOrLog("/usr/sbin/chown", {owner(adminGid), path},
+            "createProductDirectory: runCommandWithAuthority(/bin/usr/sbin/chown %s %s) failed\n"))
         return 2;
-    }
     log_msg("createProductDirectory: succeeded\n");
     return 0;
 }
@@ -268,4 +281,20 @@ int32_t verifyResourceDirectory(const char *parent, const char *name)
     report("verifyResourceDirectory: Unable to determine status of directory...\n    %s\n%s\n", path,
         strerror(errno));
     return 1;
+}
+
+bool createPickedDirectory(const char *path)
+{
+    if (!haveAuthority())
+        return false;
+    struct stat status;
+    const bool isNew = lstat(path, &status) != 0 && errno == ENOENT;
+    if (!runOrLog("/bin/mkdir", {"-m", octal(0755), path},
+            "doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
+        return false;
+    // mkdir ran as root, but cp and mv run as the user, so a new folder is given to the user. One that
+    // existed keeps its owner, and -h leaves alone what a link leads to that took its place.
+    return !isNew
+        || runOrLog("/usr/sbin/chown", {"-h", owner(gAdminGid), path},
+            "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n");
 }

@@ -59,6 +59,14 @@ private slots:
         }
         QFile::remove(location);
     }
+
+    void takesAResultWithoutAScanner()
+    {
+        SourcePage page;
+        for (const char *slot : {"updateDBSize", "customDBSourceLocation"})
+            QMetaObject::invokeMethod(&page, slot, Q_ARG(QString, "/a"), Q_ARG(quint64, 7));
+        QCOMPARE(page.dbSize, quint64(7));
+    }
 };
 
 QTEST_MAIN(tst_SourcePage)

@@ -3,7 +3,6 @@
 #include "CopyThread.h"
 #include "EndWorker.h"
 #include "InstallState.h"
-#include "MacXUtils/Logging.h"
 #include "PageIds.h"
 #include "PageText.h"
 #include "computecontrol/CorvaneInstallUtils.h"
@@ -18,7 +17,6 @@
 #include <QVariant>
 #include <QWizard>
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 
@@ -145,7 +143,7 @@ void ConclusionPage::doCopy()
 bool ConclusionPage::prepareDestination()
 {
     const QByteArray folder = path.toUtf8();
-    if (access(folder.constData(), W_OK) == 0)
+    if (access(folder, W_OK) == 0)
         return true;
     gPrivilegeReason = privilegeReason("install the database in the selected location.");
     if (path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive)) {
@@ -155,42 +153,18 @@ bool ConclusionPage::prepareDestination()
                 QStringLiteral("Lumetra Database Installer was not able to access the selected location."));
             return false;
         }
-    } else if (mkdir(folder.constData(), 0755) != 0 && !makeFolderWithRights()) {
-        resultSet(failure,
-            QStringLiteral(
-                "Lumetra Database Installer was not able to write the database to the selected location."));
-        return false;
+    } else if (mkdir(folder, 0755) != 0) {
+        if (!createPickedDirectory(folder)) {
+            resultSet(failure,
+                QStringLiteral(
+                    "Lumetra Database Installer was not able to write the database to the selected location."));
+            return false;
+        }
+        privileged = true;
     }
     // Administrator rights aren't held through a long copy; a move is over at once.
     if (gMacAuthorizationRef && !sCopyFiles)
         freeAuthority(&gMacAuthorizationRef);
-    return true;
-}
-
-bool ConclusionPage::makeFolderWithRights()
-{
-    if (!gMacAuthorizationRef && establishPrivsForSetup() != 0)
-        return false;
-    const std::string folder = path.toStdString();
-    struct stat status;
-    const bool isNew = lstat(folder.c_str(), &status) != 0 && errno == ENOENT;
-    char mode[16];
-    std::snprintf(mode, sizeof mode, "%o", 0755);
-    if (!runCommandWithAuthority(gMacAuthorizationRef, "/bin/mkdir", {"-m", mode, folder})) {
-        log_msg("doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n", "-m", mode, folder.c_str());
-        return false;
-    }
-    // A new folder is the superuser's now, but the tools that fill it run as the user. One that was there
-    // already, which mkdir says by itself, isn't given away, nor is what a link leads to that took its place.
-    std::string owner = std::to_string(getuid());
-    if (gAdminGid != static_cast<gid_t>(-1))
-        owner += ":" + std::to_string(gAdminGid);
-    if (isNew && !runCommandWithAuthority(gMacAuthorizationRef, "/usr/sbin/chown", {"-h", owner, folder})) {
-        log_msg("doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n", "-h", owner.c_str(),
-            folder.c_str());
-        return false;
-    }
-    privileged = true;
     return true;
 }
 
@@ -242,8 +216,8 @@ void ConclusionPage::recordDestination()
         showSubTitle(this, QStringLiteral("System-wide preferences could not be set"));
         return;
     }
-    MacWriteGlobalDefaultSetting(CFSTR("com.brindle.CorvaneLumetra"), "LumetraFullDatabasePath",
-        path.toUtf8().constData(), gMacAuthorizationRef);
+    MacWriteGlobalDefaultSetting(
+        CFSTR("com.brindle.CorvaneLumetra"), "LumetraFullDatabasePath", path.toUtf8(), gMacAuthorizationRef);
     if (privileged)
         fixupPrivileges();
     setTitle(tr("Database Installed"));
@@ -252,10 +226,11 @@ void ConclusionPage::recordDestination()
 
 bool ConclusionPage::fixupPrivileges()
 {
-    const std::string folder = path.toUtf8().left(4095).toStdString();
-    if (runCommandWithAuthority(gMacAuthorizationRef, "/bin/chmod", {"0775", folder}))
+    const QByteArray folder = path.toUtf8().left(4095);
+    if (runCommandWithAuthority(gMacAuthorizationRef, "/bin/chmod", {"0775", folder.toStdString()}))
         return true;
-    std::fprintf(stderr, "fixupPrivileges: Unable to revert permission on directory %s\n", folder.c_str());
+    std::fprintf(
+        stderr, "fixupPrivileges: Unable to revert permission on directory %s\n", folder.constData());
     std::fflush(stderr);
     return false;
 }

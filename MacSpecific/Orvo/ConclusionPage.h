@@ -33,7 +33,6 @@ private slots:
 
 private:
     bool prepareDestination();
-    bool makeFolderWithRights();
     void startCopying();
     void recordDestination();
     bool fixupPrivileges();

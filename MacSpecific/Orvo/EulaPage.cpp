@@ -41,9 +41,8 @@ EulaPage::EulaPage(QWidget *parent)
 
     acceptBox = new QCheckBox(QStringLiteral("I accept the terms in the License Agreement"));
     acceptBox->setChecked(false);
-    connect(acceptBox, &QCheckBox::clicked, this, &EulaPage::OnLicenseAccepted);
-    // A screen reader toggles the box without a click.
-    connect(acceptBox, &QCheckBox::toggled, this, &EulaPage::completeChanged);
+    // Not clicked(): a screen reader toggles the box without a click.
+    connect(acceptBox, &QCheckBox::toggled, this, &EulaPage::OnLicenseAccepted);
     label->setBuddy(acceptBox);
     // Some styles outline the empty box in a shade of the window's colour, in which it can hardly be seen. A
     // shade of this grey stands out in a light window as well as in a dark one.

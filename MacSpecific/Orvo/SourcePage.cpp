@@ -79,16 +79,12 @@ int SourcePage::nextId() const
 
 void SourcePage::updateDBSize(QString, quint64 finishedSize)
 {
-    showStatus(QStringLiteral(
-        "This Installer will copy or move the Corvane Lumetra Database from the source folders to your hard disk.\n\nThe databases will occupy approximately %1 GB  of additional disk space.")
-                   .arg(gigabytes(finishedSize)));
-    dbSize = finishedSize;
+    showStatus(
+        QStringLiteral(
+            "This Installer will copy or move the Corvane Lumetra Database from the source folders to your hard disk.\n\nThe databases will occupy approximately %1 GB  of additional disk space."),
+        gigabytes(finishedSize));
     setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
-    disposeOfScanner();
-    if (finishedSize > 0)
-        acceptSource();
-    else
-        offerChoice();
+    finishScan(finishedSize);
 }
 
 void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
@@ -96,8 +92,6 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
     const QDir folder(path);
     // The root has no name, and a gap in the text says nothing.
     const QString name = folder.isRoot() ? folder.path() : folder.dirName();
-    dbSize = finishedSize;
-    disposeOfScanner();
     if (finishedSize > 0) {
         showStatus(
             QStringLiteral(
@@ -105,14 +99,13 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
                 .replace(QLatin1String("%2"), gigabytes(finishedSize)),
             name);
         setButtonText(QWizard::NextButton, QStringLiteral("Continue"));
-        acceptSource();
     } else {
         showStatus(
             QStringLiteral(
                 "No Lumetra database files were found in %1.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder."),
             name);
-        offerChoice();
     }
+    finishScan(finishedSize);
 }
 
 void SourcePage::chooseSource()
@@ -143,8 +136,19 @@ void SourcePage::showStatus(const QString &text, const QString &name)
     showInLabel(this, statusLabel, text, name);
 }
 
-void SourcePage::acceptSource()
+/// Takes the size over and is done with the scanner; without data the choice is open again.
+void SourcePage::finishScan(quint64 finishedSize)
 {
+    dbSize = finishedSize;
+    if (sizeThread) {
+        // The result is the thread's last act, but the thread itself ends a moment later.
+        sizeThread->wait();
+        delete sizeThread;
+        sizeThread = nullptr;
+    }
+    unsetCursor();
+    if (finishedSize == 0)
+        return offerChoice();
     sourceMissing = false;
     findButton->hide();
     findButton->setDefault(false);
@@ -155,13 +159,4 @@ void SourcePage::offerChoice()
 {
     findButton->setEnabled(true);
     findButton->show();
-}
-
-void SourcePage::disposeOfScanner()
-{
-    // The result is the thread's last act, but the thread itself ends a moment later.
-    sizeThread->wait();
-    delete sizeThread;
-    sizeThread = nullptr;
-    unsetCursor();
 }

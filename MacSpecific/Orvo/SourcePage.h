@@ -33,9 +33,8 @@ private:
 
     void startScan(const QString &folder, ResultSlot resultSlot);
     void showStatus(const QString &text, const QString &name = QString());
-    void acceptSource();
+    void finishScan(quint64 finishedSize);
     void offerChoice();
-    void disposeOfScanner();
 
     QLabel *statusLabel = nullptr;
     QPushButton *findButton = nullptr;
