@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "MacXUtils/Logging.h"
+#include "core/LimitedCalls.h"
 #include "macos/MacDoAuthorizedCommand.h"
 
 gid_t gAdminGid = 0;
@@ -128,17 +129,18 @@ int32_t apply(const Repair &repair, const char *path)
 
 int32_t fixupGroup(const char *path)
 {
-    return apply({[](const char *folder) { return chown(folder, static_cast<uid_t>(-1), gAdminGid) == 0; },
-                     "/usr/bin/chgrp", std::to_string(static_cast<int>(gAdminGid)),
-                     "fixupDirectory: trying to set chown group-admin perms on %s\n",
-                     "fixupDirectory: Unable to change group to 'admin' on directory...\n    %s\n%s\n", 4,
-                     "fixupDirectory: Unable to change group to 'admin' on directory %s\n", 3},
+    return apply(
+        {[](const char *folder) { return limited::chown(folder, static_cast<uid_t>(-1), gAdminGid) == 0; },
+            "/usr/bin/chgrp", std::to_string(static_cast<int>(gAdminGid)),
+            "fixupDirectory: trying to set chown group-admin perms on %s\n",
+            "fixupDirectory: Unable to change group to 'admin' on directory...\n    %s\n%s\n", 4,
+            "fixupDirectory: Unable to change group to 'admin' on directory %s\n", 3},
         path);
 }
 
 int32_t fixupMode(const char *path)
 {
-    return apply({[](const char *folder) { return chmod(folder, 0775) == 0; }, "/bin/chmod", "0775",
+    return apply({[](const char *folder) { return limited::chmod(folder, 0775) == 0; }, "/bin/chmod", "0775",
                      "fixupDirectory: trying to set chmod group-admin perms on %s\n",
                      "fixupDirectory: Unable to add group write permission on directory...\n    %s\n%s\n", 6,
                      "fixupDirectory: Unable to add group write permission on directory %s\n", 5},
@@ -182,7 +184,7 @@ int32_t fixupDirectory(const char *path)
     if (!gSystemScope)
         return 0;
     struct stat status;
-    if (stat(path, &status) != 0) {
+    if (limited::stat(path, status) != 0) {
         report("fixupDirectory: Unable to determine status of directory...\n    %s\n%s\n", path,
             strerror(errno));
         return 1;
@@ -205,7 +207,7 @@ int32_t fixupDirectory(const char *path)
 int32_t createProductDirectory(const char *path)
 {
     const gid_t adminGid = getGroupId("admin");
-    if (mkdir(path, newFolderMode()) == 0) {
+    if (limited::mkdir(path, newFolderMode()) == 0) {
         log_msg("createProductDirectory: made dir %s w/o needing privs, checking for fixup\n", path);
         return fixupDirectory(path);
     }
@@ -233,7 +235,7 @@ int32_t createResourceDirectory(const char *parent, const char *name)
     char path[4096];
     if (!joinPath(parent, name, path))
         return 1;
-    if (mkdir(parent, newFolderMode()) == 0) {
+    if (limited::mkdir(parent, newFolderMode()) == 0) {
         log_msg("createResourceDirectory: made dir %s w/o needing privs, checking for fixup\n", parent);
         fixupDirectory(parent);
         log_msg("createResourceDirectory: making dir %s w/o needing privs\n", path);
@@ -256,7 +258,7 @@ int32_t verifyResourceDirectory(const char *parent, const char *name)
     if (!joinPath(parent, name, path))
         return 1;
     struct stat status;
-    if (stat(parent, &status) != 0) {
+    if (limited::stat(parent, status) != 0) {
         if (errno == ENOENT) {
             log_msg("verifyResourceDirectory: %s does not exist, creating\n", parent);
             return createResourceDirectory(parent, name);
@@ -270,7 +272,7 @@ int32_t verifyResourceDirectory(const char *parent, const char *name)
             static_cast<int>(status.st_uid), static_cast<int>(status.st_gid), status.st_mode);
     log_msg("verifyResourceDirectory: fixup of %s returned %d\n", parent, fixupDirectory(parent));
 
-    if (stat(path, &status) == 0) {
+    if (limited::stat(path, status) == 0) {
         log_msg("verifyResourceDirectory: checking %s for fixup\n", path);
         return fixupDirectory(path);
     }
@@ -288,7 +290,7 @@ bool createPickedDirectory(const char *path)
     if (!haveAuthority())
         return false;
     struct stat status;
-    const bool isNew = lstat(path, &status) != 0 && errno == ENOENT;
+    const bool isNew = limited::lstat(path, status) != 0 && errno == ENOENT;
     if (!runOrLog("/bin/mkdir", {"-m", octal(0755), path},
             "doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return false;

@@ -6,6 +6,7 @@
 #include "PageIds.h"
 #include "PageText.h"
 #include "computecontrol/CorvaneInstallUtils.h"
+#include "core/LimitedCalls.h"
 #include "macos/MacDoAuthorizedCommand.h"
 #include "macos/MacWriteGlobalDefaultSetting.h"
 
@@ -142,8 +143,8 @@ void ConclusionPage::doCopy()
 /// set.
 bool ConclusionPage::prepareDestination()
 {
-    const QByteArray folder = path.toUtf8();
-    if (access(folder, W_OK) == 0)
+    const std::string folder = path.toStdString();
+    if (limited::access(folder, W_OK) == 0)
         return true;
     gPrivilegeReason = privilegeReason("install the database in the selected location.");
     if (path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive)) {
@@ -153,8 +154,8 @@ bool ConclusionPage::prepareDestination()
                 QStringLiteral("Lumetra Database Installer was not able to access the selected location."));
             return false;
         }
-    } else if (mkdir(folder, 0755) != 0) {
-        if (!createPickedDirectory(folder)) {
+    } else if (limited::mkdir(folder, 0755) != 0) {
+        if (!createPickedDirectory(folder.c_str())) {
             resultSet(failure,
                 QStringLiteral(
                     "Lumetra Database Installer was not able to write the database to the selected location."));

@@ -7,9 +7,10 @@
 #include "PageText.h"
 #include "SourcePage.h"
 #include "computecontrol/DfProcess.h"
-#include "core/MountedDevice.h"
+#include "core/LimitedCalls.h"
 
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVariant>
@@ -24,6 +25,14 @@
 namespace {
 
 constexpr char systemFolder[] = "/Library/Application Support";
+
+/// Shows that the window is busy, for as long as it lives.
+class WaitCursor {
+public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    WaitCursor(const WaitCursor &) = delete;
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+};
 
 /// The folder whose file system the destination will lie on, and which exists before it.
 QString probeFolderOf(const QString &path)
@@ -42,8 +51,8 @@ bool onSourceDevice(const QString &folder)
         return false;
     char source[MountedDeviceNameSize];
     char destination[MountedDeviceNameSize];
-    return mountedDevice(sResultList.first().absoluteFilePath().toUtf8().constData(), source)
-        && mountedDevice(folder.toUtf8().constData(), destination)
+    return limited::mountedDevice(sResultList.first().absoluteFilePath().toStdString(), source)
+        && limited::mountedDevice(folder.toStdString(), destination)
         && std::strncmp(source, destination, MountedDeviceNameSize) == 0;
 }
 
@@ -100,6 +109,7 @@ void PickDestPage::initializePage() { }
 
 bool PickDestPage::validatePage()
 {
+    const WaitCursor cursor;
     const auto *sourcePage = qobject_cast<const SourcePage *>(wizard()->page(SourcePageId));
     if (choiceIsOpen() || !sourcePage)
         return false;
@@ -129,7 +139,7 @@ void PickDestPage::chooseDestination()
     const QString base = folder + QLatin1Char('/');
     const QString name = QStringLiteral("Lumetra");
     QString candidate = base + name;
-    for (int n = 0; access(candidate.toUtf8().constData(), F_OK) == 0; ++n)
+    for (int n = 0; limited::access(candidate.toStdString(), F_OK) == 0; ++n)
         candidate = QStringLiteral("%1%2_%3").arg(base, name, QString::number(n));
     showDestination(candidate);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))

@@ -7,6 +7,7 @@
 #include "PageText.h"
 #include "SizeThread.h"
 #include "core/GetPathName.h"
+#include "core/LimitedCalls.h"
 
 #include <QBoxLayout>
 #include <QDir>
@@ -50,9 +51,9 @@ SourcePage::SourcePage(QWidget *parent)
     findButton->hide();
 
     std::string location = GetInstallPath() + "/../Lumetra";
-    if (access(location.c_str(), F_OK) != 0)
+    if (limited::access(location, F_OK) != 0)
         location = "/Volumes/USB DISK/Lumetra";
-    if (access(location.c_str(), F_OK) != 0) {
+    if (limited::access(location, F_OK) != 0) {
         showStatus(QStringLiteral(
             "The Lumetra database source folder was not found.\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder."));
         offerChoice();
