@@ -1,5 +1,7 @@
 #include "CorvaneInstallUtils.h"
 
+#include "PrivilegedStep.h"
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -39,37 +41,6 @@ bool refusedForLackOfRights(int error)
     return error == EPERM || error == EACCES;
 }
 
-bool haveAuthority()
-{
-    return gMacAuthorizationRef || establishPrivsForSetup() == 0;
-}
-
-/// `text` with the words in the places of its %s.
-std::string filled(std::string text, const std::vector<std::string> &words)
-{
-    size_t place = 0;
-    for (const std::string &word : words) {
-        place = text.find("%s", place);
-        text.replace(place, 2, word);
-        place += word.size();
-    }
-    return text;
-}
-
-bool run(const char *tool, const std::vector<std::string> &arguments)
-{
-    return runCommandWithAuthority(gMacAuthorizationRef, tool, arguments);
-}
-
-/// As run, but logs `failure`, filled with the arguments, when the tool can't be started.
-bool runOrLog(const char *tool, const std::vector<std::string> &arguments, const char *failure)
-{
-    if (run(tool, arguments))
-        return true;
-    log_msg("%s", filled(failure, arguments).c_str());
-    return false;
-}
-
 mode_t newFolderMode()
 {
     return gSystemScope ? 0775 : 0755;
@@ -82,11 +53,17 @@ std::string octal(mode_t mode)
     return text;
 }
 
+/// Without the group "admin" the steps that are about it are left out.
+bool isKnown(gid_t group)
+{
+    return group != static_cast<gid_t>(-1);
+}
+
 /// "user:group" of the installing user and the group, both numeric; without the group where it is unknown.
 std::string owner(gid_t group)
 {
     const std::string user = std::to_string(getuid());
-    return group == static_cast<gid_t>(-1) ? user : user + ':' + std::to_string(group);
+    return isKnown(group) ? user + ':' + std::to_string(group) : user;
 }
 
 /// Joins a parent and a name to `path`; false when that takes more than 4095 bytes.
@@ -121,7 +98,7 @@ int32_t apply(const Repair &repair, const char *path)
     log_msg("%s", filled(repair.attempt, {path}).c_str());
     if (!haveAuthority())
         return 4;
-    if (run(repair.tool, {repair.argument, path}))
+    if (runPrivileged(repair.tool, {repair.argument, path}))
         return 0;
     report("%s", filled(repair.toolFailure, {path}).c_str());
     return repair.toolFailureCode;
@@ -154,7 +131,8 @@ int32_t createResourceDirectoryWithRights(const char *parent, const char *path, 
     if (!runOrLog("/bin/mkdir", {"-m", mode, parent},
             "createResourceDirectory: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return 1;
-    if (!runOrLog("/usr/bin/chgrp", {std::to_string(static_cast<int>(adminGid)), parent},
+    if (isKnown(adminGid)
+        && !runOrLog("/usr/bin/chgrp", {std::to_string(static_cast<int>(adminGid)), parent},
             "createResourceDirectory: runCommandWithAuthority(/usr/bin/chgrp %s %s) failed\n"))
         return 2;
     if (!runOrLog("/bin/mkdir", {"-m", mode, path},
@@ -193,7 +171,7 @@ int32_t fixupDirectory(const char *path)
         report("fixupDirectory: %s is not a directory.\n", path);
         return 2;
     }
-    const bool otherGroup = status.st_gid != gAdminGid;
+    const bool otherGroup = isKnown(gAdminGid) && status.st_gid != gAdminGid;
     const bool closedToGroup = (status.st_mode & S_IWGRP) == 0;
     if (const int32_t code = otherGroup ? fixupGroup(path) : 0)
         return code;
@@ -235,6 +213,7 @@ int32_t createResourceDirectory(const char *parent, const char *name)
     char path[4096];
     if (!joinPath(parent, name, path))
         return 1;
+    const OneAnswer forBothFolders;
     if (limited::mkdir(parent, newFolderMode()) == 0) {
         log_msg("createResourceDirectory: made dir %s w/o needing privs, checking for fixup\n", parent);
         fixupDirectory(parent);
@@ -257,6 +236,7 @@ int32_t verifyResourceDirectory(const char *parent, const char *name)
     char path[4096];
     if (!joinPath(parent, name, path))
         return 1;
+    const OneAnswer forBothFolders;
     struct stat status;
     if (limited::stat(parent, status) != 0) {
         if (errno == ENOENT) {

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What the steps with administrator rights have in common. Main thread only.
+
+/// Obtains the rights if there is no reference yet. False when they were refused, or declined before within
+/// the same OneAnswer.
+bool haveAuthority();
+
+/// While one lives, a user who has declined isn't asked again.
+class OneAnswer {
+public:
+    OneAnswer();
+    OneAnswer(const OneAnswer &) = delete;
+    ~OneAnswer();
+};
+
+/// Runs the tool with the rights. False when it can't be started.
+bool runPrivileged(const char *tool, const std::vector<std::string> &arguments);
+
+/// The same, but logs `failure`, filled with the arguments, when the tool can't be started.
+bool runOrLog(const char *tool, const std::vector<std::string> &arguments, const char *failure);
+
+/// `text` with the words in the places of its %s, of which it has no fewer.
+std::string filled(std::string text, const std::vector<std::string> &words);
