@@ -1,6 +1,7 @@
 #include "Fixture.h"
 
 #include "ConclusionPage.h"
+#include "InstallState.h"
 #include "PickDestPage.h"
 
 #include <QProgressBar>
@@ -35,6 +36,41 @@ private slots:
             QVERIFY(page->findChild<QProgressBar *>()->isHidden());
             QCOMPARE(wizard.field("path").toString(), "/Volumes/50%1");
         }
+    }
+
+    void unusableDestinationIsRefusedAtOnce_data()
+    {
+        const QString start = "Lumetra Database Installer was not able to ";
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("parent is gone") << "gone/L" << start + "write the database to the selected location.";
+        QTest::newRow("name is too long")
+            << QString(300, 'x') << start + "write the database to the selected location.";
+        QTest::newRow("a file is in its place") << "file" << start + "access the selected location.";
+    }
+
+    /// No rights would help, so none are asked for, and no tool is run.
+    void unusableDestinationIsRefusedAtOnce()
+    {
+        QFETCH(QString, name);
+        const Tree tree;
+        tree.file("file");
+        sResultList = {QFileInfo(tree.file("source/a.zqin"))};
+        QWizard wizard;
+        wizard.setPage(2, new PickDestPage);
+        auto *page = new ConclusionPage;
+        wizard.setPage(3, page);
+        wizard.setStartId(3);
+        wizard.setField("path", tree.path(name));
+        wizard.show();
+        bool asked = false;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, page, [&asked] { asked = acceptBox() || asked; });
+        timer.start(20);
+        QMetaObject::invokeMethod(page, "doCopy");
+        QCOMPARE(page->title(), "Database was not installed");
+        QTEST(page->subTitle(), "shown");
+        QVERIFY(!asked);
     }
 };
 

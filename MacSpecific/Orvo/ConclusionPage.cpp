@@ -18,6 +18,7 @@
 #include <QVariant>
 #include <QWizard>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 
@@ -41,6 +42,14 @@ QString privilegeReason(const char *purpose)
                           "You will be asked to provide the name and password "
                           "of a user that has administrative capabilities for this computer.")
         .arg(QLatin1String(purpose));
+}
+
+/// Whether the path leads to a folder into which the user can write.
+bool canBeFilled(const std::string &folder)
+{
+    struct stat status;
+    return limited::stat(folder, status) == 0 && S_ISDIR(status.st_mode)
+        && limited::access(folder, W_OK | X_OK) == 0;
 }
 
 /// Black or white, whichever stands out more from `colour`.
@@ -132,6 +141,7 @@ void ConclusionPage::doCopy()
     if (stage != Waiting || !isVisible())
         return;
     stage = Running;
+    gPromptsDeclined = false;
     gSystemScope = true;
     if (prepareDestination() && stage == Running)
         startCopying();
@@ -143,30 +153,37 @@ void ConclusionPage::doCopy()
 /// set.
 bool ConclusionPage::prepareDestination()
 {
+    const auto failed = [this](const QString &text) {
+        resultSet(failure, text);
+        return false;
+    };
+    const QString noAccess =
+        QStringLiteral("Lumetra Database Installer was not able to access the selected location.");
     const std::string folder = path.toStdString();
-    if (limited::access(folder, W_OK) == 0)
-        return true;
-    gPrivilegeReason = privilegeReason("install the database in the selected location.");
-    if (path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive)) {
-        privileged = true;
-        if (verifyResourceDirectory(productFolder, "Lumetra") != 0) {
-            resultSet(failure,
-                QStringLiteral("Lumetra Database Installer was not able to access the selected location."));
-            return false;
+    if (limited::access(folder, W_OK) != 0) {
+        gPrivilegeReason = privilegeReason("install the database in the selected location.");
+        if (path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive)) {
+            privileged = true;
+            if (verifyResourceDirectory(productFolder, "Lumetra") != 0)
+                return failed(noAccess);
+        } else if (!makePickedFolder(folder)) {
+            return failed(QStringLiteral(
+                "Lumetra Database Installer was not able to write the database to the selected location."));
         }
-    } else if (limited::mkdir(folder, 0755) != 0) {
-        if (!createPickedDirectory(folder.c_str())) {
-            resultSet(failure,
-                QStringLiteral(
-                    "Lumetra Database Installer was not able to write the database to the selected location."));
-            return false;
-        }
-        privileged = true;
+        // Administrator rights aren't held through a long copy; a move is over at once.
+        if (gMacAuthorizationRef && !sCopyFiles)
+            freeAuthority(&gMacAuthorizationRef);
     }
-    // Administrator rights aren't held through a long copy; a move is over at once.
-    if (gMacAuthorizationRef && !sCopyFiles)
-        freeAuthority(&gMacAuthorizationRef);
-    return true;
+    return canBeFilled(folder) || failed(noAccess);
+}
+
+/// Rights are asked for only where they are what is missing.
+bool ConclusionPage::makePickedFolder(const std::string &folder)
+{
+    if (limited::mkdir(folder, 0755) == 0)
+        return true;
+    privileged = (errno == EACCES || errno == EPERM) && createPickedDirectory(folder.c_str());
+    return privileged;
 }
 
 void ConclusionPage::startCopying()
@@ -207,6 +224,8 @@ void ConclusionPage::handleResult()
     setField(QStringLiteral("path"), path);
     progressBar->setRange(0, 100);
     progressBar->hide();
+    if (gMacAuthorizationRef)
+        freeAuthority(&gMacAuthorizationRef);
 }
 
 void ConclusionPage::recordDestination()

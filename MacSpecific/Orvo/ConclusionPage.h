@@ -3,6 +3,8 @@
 #include <QString>
 #include <QWizardPage>
 
+#include <string>
+
 class CopyThread;
 class QProgressBar;
 
@@ -33,6 +35,7 @@ private slots:
 
 private:
     bool prepareDestination();
+    bool makePickedFolder(const std::string &folder);
     void startCopying();
     void recordDestination();
     bool fixupPrivileges();

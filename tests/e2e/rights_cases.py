@@ -74,6 +74,8 @@ def attended(boxes=TO_PROMPT, end=READY, prompts=1, folder=None, password=PASSWO
     def steps(user):
         agent = Agent(user.program.pid, password) if password else None
         to_prompt(user, boxes, folder)
+        user.wait_title(end[0])
+        helpers_end()
         walks.see_end(user, end)
         if agent:
             expect((agent.prompts, asked in agent.said, bool(agent.said)), (prompts, True, prompts > 0))
@@ -165,7 +167,7 @@ def untouched(_):
 def killed(user):
     Agent(user.program.pid, PASSWORD)
     to_prompt(user)
-    user.wait_title(READY[0])
+    wait_for_first_file()
     expect(len(rights.helpers()), 1)
     user.program.kill()
     helpers_end()
@@ -184,8 +186,12 @@ def stopped_in_dialog(number):
     return steps
 
 
-def kill_helpers_at_first_file():
+def wait_for_first_file():
     rights.wait(lambda: Path(DEFAULT).is_dir() and any(Path(DEFAULT).iterdir()), "first file", limit=120)
+
+
+def kill_helpers_at_first_file():
+    wait_for_first_file()
     for process in rights.helpers():
         os.kill(process, signal.SIGKILL)
 
@@ -205,7 +211,8 @@ CASES = {
                       lambda: os.unlink("/usr/bin/pkexec"), untouched),
     "cancelled": Case(cancelled_beneath_box, lambda: folder(PARENT, group="staff"), nothing_made),
     "declined": Case(attended(CANCELLED, NO_ACCESS, 0), after=untouched),
-    "killed": Case(killed),
+    "declined_once": Case(attended(CANCELLED, NO_ACCESS, 0), lambda: folder(PARENT, group="staff"), nothing_made),
+    "killed": Case(killed, files=1000),
     "killed_in_dialog": Case(stopped_in_dialog(signal.SIGKILL), after=untouched),
     "ended_in_dialog": Case(stopped_in_dialog(signal.SIGTERM), after=untouched),
     "helper_killed": Case(attended(said=["status=-60008"]), files=1000, meanwhile=kill_helpers_at_first_file,
