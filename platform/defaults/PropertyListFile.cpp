@@ -90,7 +90,6 @@ PropertyListFile parsePropertyList(const std::string &bytes)
 
     PropertyListFile file;
     file.list.reset(parsed);
-    file.format = binary ? PropertyListFormat::Binary : PropertyListFormat::Xml;
     if (!parsed || plist_get_node_type(parsed) != PLIST_DICT)
         return problem(PropertyListFile::NotAPropertyList, "is not a property list");
     return file;

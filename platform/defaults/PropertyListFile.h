@@ -12,14 +12,11 @@ struct PropertyListDeleter {
 /// Owns a tree of the property-list library.
 using PropertyList = std::unique_ptr<void, PropertyListDeleter>;
 
-enum class PropertyListFormat { Xml, Binary };
-
 /// A file's dictionary, or why there is none.
 struct PropertyListFile {
     enum Problem { None, Missing, Unreadable, NotAPropertyList };
 
     PropertyList list;
-    PropertyListFormat format = PropertyListFormat::Xml;
     Problem problem = None;
     /// Readable, for every problem.
     std::string reason = {};

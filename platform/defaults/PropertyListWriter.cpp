@@ -2,7 +2,6 @@
 
 #include "platform/Descriptor.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -88,32 +87,14 @@ private:
     Descriptor file;
 };
 
-/// What XML can't hold: a reader takes a carriage return for a line end and stops at the others.
-bool hasControlCharacter(const std::string &xml)
+std::string save(const Place &place, const PropertyList &list)
 {
-    return std::any_of(xml.begin(), xml.end(),
-        [](unsigned char byte) { return byte < ' ' && byte != '\n' && byte != '\t'; });
-}
-
-std::string bytesOf(plist_t list, PropertyListFormat format)
-{
-    const bool binary = format == PropertyListFormat::Binary;
     char *bytes = nullptr;
     uint32_t length = 0;
-    (binary ? plist_to_bin : plist_to_xml)(list, &bytes, &length);
-    const std::string copy(bytes ? bytes : "", length);
-    (binary ? plist_to_bin_free : plist_to_xml_free)(bytes);
-    return copy;
-}
-
-std::string save(const Place &place, const PropertyListFile &file)
-{
-    std::string bytes = bytesOf(file.list.get(), file.format);
-    if (file.format == PropertyListFormat::Xml && hasControlCharacter(bytes))
-        bytes = bytesOf(file.list.get(), PropertyListFormat::Binary);
-    if (bytes.empty())
-        return place.path + ": can't put the property list into bytes";
-    return Replacement(place).write(bytes.data(), bytes.size());
+    plist_to_bin(list.get(), &bytes, &length);
+    const std::unique_ptr<char, decltype(&plist_to_bin_free)> owner(bytes, plist_to_bin_free);
+    return bytes ? Replacement(place).write(bytes, length)
+                 : place.path + ": can't put the property list into bytes";
 }
 
 } // namespace
@@ -134,7 +115,7 @@ std::string writeString(const std::string &path, const std::string &key, const s
         return path + " " + file.reason + "; it stays as it is";
     }
     plist_dict_set_item(file.list.get(), key.c_str(), plist_new_string(value.c_str()));
-    return save(place, file);
+    return save(place, file.list);
 }
 
 std::string deleteKey(const std::string &path, const std::string &key)
@@ -148,5 +129,5 @@ std::string deleteKey(const std::string &path, const std::string &key)
     if (!plist_dict_get_item(file.list.get(), key.c_str()))
         return path + " has no key " + key;
     plist_dict_remove_item(file.list.get(), key.c_str());
-    return save(place, file);
+    return save(place, file.list);
 }

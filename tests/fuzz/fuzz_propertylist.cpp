@@ -14,8 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     plist_dict_set_item(file.list.get(), "key", plist_new_string("value"));
     char *bytes = nullptr;
     uint32_t length = 0;
-    (file.format == PropertyListFormat::Binary ? plist_to_bin : plist_to_xml)(
-        file.list.get(), &bytes, &length);
+    plist_to_bin(file.list.get(), &bytes, &length);
     free(bytes);
     return 0;
 }
