@@ -1,12 +1,14 @@
 #include "Fixture.h"
 
 #include "platform/HelperPlace.h"
+#include "platform/HelperProcess.h"
 #include "platform/helper/HelperProtocol.h"
 #include "platform/helper/HelperRequest.h"
 
 #include <Security/Authorization.h>
 
 #include <csignal>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -62,12 +64,17 @@ class tst_Authorization : public QObject {
         return status;
     }
 
-    /// Starts a `defaults` that can't end, as no one reads the long value that it prints; its process id.
-    int startHangingTool(FILE **pipe)
+    /// Starts a tool that can't end, as its complaint doesn't fit into the connection; its process id.
+    static int startHangingTool(HelperProcess &helper)
     {
-        const QByteArray value(3000000, 'x');
-        tree.file("long.plist", "<plist><dict><key>key</key><string>" + value + "</string></dict></plist>");
-        start("/usr/bin/defaults", {"read", QFile::encodeName(tree.path("long")), "key"}, pipe);
+        int ends[2];
+        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends);
+        while (send(ends[1], "x", 1, MSG_DONTWAIT) == 1) { }
+        QByteArray existing = "/";
+        char *const arguments[] = {existing.data(), nullptr};
+        helper.start({});
+        helper.runTool("/bin/mkdir", arguments, ends[1]);
+        close(ends[1]);
         return childOf(childOf(getpid()));
     }
 
@@ -125,9 +132,8 @@ private slots:
         const mode_t mask = umask(0);
         qputenv("LD_PRELOAD_OF_A_STRANGER", "x");
         const int inherited = dup(STDIN_FILENO);
-        obtainRight(authorization);
-        FILE *pipe = nullptr;
-        const int tool = startHangingTool(&pipe);
+        HelperProcess helper;
+        const int tool = startHangingTool(helper);
         umask(mask);
         close(inherited);
         const auto variable = [](const char *text) { return QByteArray(text) + '\0'; };
@@ -135,17 +141,16 @@ private slots:
             proc(tool, "environ"), variable("PATH=/usr/sbin:/usr/bin:/sbin:/bin") + variable("LC_ALL=C"));
         QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), QString("/"));
         QVERIFY(proc(tool, "status").contains("Umask:\t0022\n"));
-        // But SIGXFSZ, which the tool itself ignores; the thread library's two can't be reset.
-        const QRegularExpression nothingIgnored("SigIgn:\\t.{8}[08][01]000000\\n");
+        // But the thread library's two, which can't be reset.
+        const QRegularExpression nothingIgnored("SigIgn:\\t.{8}[08]0000000\\n");
         QVERIFY(nothingIgnored.match(proc(tool, "status")).hasMatch());
         // A folder object of its own for each look: it keeps what it has listed.
         const auto descriptors = [tool] { return QDir(QString("/proc/%1/fd").arg(tool)); };
         QTRY_COMPARE(descriptors().entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
             QStringList({"0", "1", "2"}));
         QVERIFY(isAlive(tool));
-        giveUpRight();
+        helper.stop();
         QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), 1000);
-        fclose(pipe);
     }
 
     void otherProcessIsRefused()
@@ -167,12 +172,11 @@ private slots:
         const int installer = fork();
         if (installer == 0) {
             setpgid(0, 0);
-            obtainRight(authorization);
+            HelperProcess rights;
+            startHangingTool(rights);
             // A process that holds the installer's descriptors must not keep the helper alive.
             if (fork() == 0)
                 pause();
-            FILE *pipe = nullptr;
-            startHangingTool(&pipe);
             pause();
         }
         QTRY_VERIFY(childOf(childOf(installer)));

@@ -1,6 +1,5 @@
 #include "PropertyListFile.h"
 
-#include "PropertyListBounds.h"
 #include "Utf8.h"
 #include "platform/Descriptor.h"
 
@@ -27,9 +26,20 @@ PropertyListFile systemProblem()
         std::string("can't be read: ") + std::strerror(errno));
 }
 
-bool isBinary(const std::string &bytes)
+PropertyListFile parsed(const std::string &bytes)
 {
-    return bytes.compare(0, 8, "bplist00") == 0;
+    const auto length = static_cast<uint32_t>(bytes.size());
+    plist_t root = nullptr;
+    if (bytes.compare(0, 8, "bplist00") == 0)
+        plist_from_bin(bytes.data(), length, &root);
+    else if (isUtf8(bytes))
+        plist_from_xml(bytes.data(), length, &root);
+
+    PropertyListFile file;
+    file.list.reset(root);
+    if (!root || plist_get_node_type(root) != PLIST_DICT)
+        return problem(PropertyListFile::NotAPropertyList, "is not a property list");
+    return file;
 }
 
 PropertyListFile readFrom(int descriptor)
@@ -55,7 +65,7 @@ PropertyListFile readFrom(int descriptor)
     if (length > largestPropertyList)
         return problem(PropertyListFile::Unreadable, "is too large for a property list");
     bytes.resize(length);
-    return parsePropertyList(bytes);
+    return parsed(bytes);
 }
 
 PropertyListFile openAndRead(const char *path, int folder, int extraFlags)
@@ -76,21 +86,4 @@ PropertyListFile readPropertyListFile(const char *path, int folder)
 PropertyListFile readPropertyListFile(const char *path)
 {
     return openAndRead(path, AT_FDCWD, 0);
-}
-
-PropertyListFile parsePropertyList(const std::string &bytes)
-{
-    const auto length = static_cast<uint32_t>(bytes.size());
-    plist_t parsed = nullptr;
-    const bool binary = isBinary(bytes);
-    if (binary && isBoundedBinary(bytes))
-        plist_from_bin(bytes.data(), length, &parsed);
-    else if (!binary && isBoundedXml(bytes) && isUtf8(bytes))
-        plist_from_xml(bytes.data(), length, &parsed);
-
-    PropertyListFile file;
-    file.list.reset(parsed);
-    if (!parsed || plist_get_node_type(parsed) != PLIST_DICT)
-        return problem(PropertyListFile::NotAPropertyList, "is not a property list");
-    return file;
 }

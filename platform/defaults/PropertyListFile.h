@@ -23,13 +23,10 @@ struct PropertyListFile {
 };
 
 /// Preferences are a few kilobytes; more than this is no preference file.
-constexpr size_t largestPropertyList = 4 * 1024 * 1024;
+constexpr size_t largestPropertyList = 64 * 1024;
 
 /// Reads a regular file, never waiting for a special one and never following a symbolic link in the last
 /// place. `folder` is what a relative path starts from, as for openat.
 PropertyListFile readPropertyListFile(const char *path, int folder);
 /// The same; a link is followed.
 PropertyListFile readPropertyListFile(const char *path);
-
-/// The dictionary in the bytes, with the problem NotAPropertyList when there is none.
-PropertyListFile parsePropertyList(const std::string &bytes);
