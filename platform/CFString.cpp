@@ -1,45 +1,42 @@
 #include "CFString.h"
 
-#include "MacRoman.h"
-
-#include <QTextCodec>
+#include <QByteArray>
 
 #include <cstring>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace {
 
-constexpr int utf8Mib = 106;
+/// The characters 0x80 to 0xFF.
+constexpr std::u16string_view upperMacRoman =
+    u"ÄÅÇÉÑÖÜáàâäãåçéèêëíìîïñóòôöõúùûü†°¢£§•¶ß®©™´¨≠ÆØ∞±≤≥¥µ∂∑∏π∫ªºΩæø"
+    u"¿¡¬√ƒ≈∆«»…\u00A0ÀÃÕŒœ–—“”‘’÷◊ÿŸ⁄€‹›ﬁﬂ‡·‚„‰ÂÊÁËÈÍÎÏÌÓÔ\uF8FFÒÚÛÙıˆ˜¯˘˙˚¸˝˛ˇ";
+static_assert(upperMacRoman.size() == 0x80);
 
-std::optional<QString> decoded(const char *text, CFStringEncoding encoding)
+std::optional<QByteArray> toMacRoman(const QString &characters)
 {
-    if (encoding == kCFStringEncodingMacRoman)
-        return fromMacRoman(text);
-    if (encoding != kCFStringEncodingUTF8)
-        return std::nullopt;
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QString characters =
-        QTextCodec::codecForMib(utf8Mib)->toUnicode(text, static_cast<int>(std::strlen(text)), &state);
-    if (state.invalidChars || state.remainingChars)
-        return std::nullopt;
-    return characters;
+    QByteArray bytes;
+    for (const QChar character : characters) {
+        const size_t place = upperMacRoman.find(character.unicode());
+        if (character.unicode() < 0x80)
+            bytes += character.toLatin1();
+        else if (place != upperMacRoman.npos)
+            bytes += static_cast<char>(0x80 + place);
+        else
+            return std::nullopt;
+    }
+    return bytes;
 }
 
 std::optional<QByteArray> encoded(const QString &characters, CFStringEncoding encoding)
 {
     if (encoding == kCFStringEncodingMacRoman)
         return toMacRoman(characters);
-    if (encoding != kCFStringEncodingUTF8)
-        return std::nullopt;
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QByteArray bytes =
-        QTextCodec::codecForMib(utf8Mib)->fromUnicode(characters.constData(), characters.size(), &state);
-    if (state.invalidChars || state.remainingChars)
-        return std::nullopt;
-    return bytes;
+    return encoding == kCFStringEncodingUTF8 ? std::optional(characters.toUtf8()) : std::nullopt;
 }
 
 } // namespace
@@ -60,8 +57,10 @@ CFTypeID CFStringGetTypeID(void)
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char *text, CFStringEncoding encoding)
 {
-    const std::optional<QString> characters = decoded(text, encoding);
-    return characters ? new __CFString(*characters) : nullptr;
+    const QString characters = QString::fromUtf8(text);
+    // Bytes that aren't UTF-8 have become another character.
+    const bool isWhole = encoding == kCFStringEncodingUTF8 && characters.toUtf8() == text;
+    return isWhole ? new __CFString(characters) : nullptr;
 }
 
 CFIndex CFStringGetLength(CFStringRef string)

@@ -45,8 +45,8 @@ private slots:
         struct {
             Bytes utf8, macRoman;
             int length;
-        } const rows[] = {{"aä€\u03a9\u02c7", "a\x8a\xdb\xbd\xff", 5}, {"aж", {}, 2}, {"😀", {}, 2},
-            {"not UTF-8: \xe4", {}, -1}};
+        } const rows[] = {{"aä€\u03a9\u2206\uf8ff\u02c7", "a\x8a\xdb\xbd\xc6\xf0\xff", 7}, {"aж", {}, 2},
+            {"😀", {}, 2}, {"not UTF-8: \xe4", {}, -1}};
         for (const auto &[utf8, macRoman, length] : rows) {
             CFStringRef string = CFStringCreateWithCString(kCFAllocatorDefault, utf8, kCFStringEncodingUTF8);
             QCOMPARE(string != nullptr, length >= 0);

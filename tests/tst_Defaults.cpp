@@ -78,6 +78,16 @@ private slots:
         QCOMPARE(QFile::symLinkTarget(list), target);
     }
 
+    void argumentsThatAreNotUtf8AreRefused()
+    {
+        // An overlong form, half a surrogate pair, past the last character, cut off.
+        for (const char *value : {"\\300\\200", "\\355\\240\\200", "\\364\\220\\200\\200", "\\342\\202"}) {
+            const QString write = QStringLiteral("exec \"$0\" write \"$1\" a \"$(printf '%1')\"").arg(value);
+            QCOMPARE(QProcess::execute("/bin/sh", {"-c", write, tool, list.chopped(6)}), 1);
+        }
+        QCOMPARE(files(), QStringList());
+    }
+
     void failedWriteLeavesNothingBehind()
     {
         const QString limited = "ulimit -f 0; exec \"$0\" write \"$1\" a b";
