@@ -1,12 +1,10 @@
-configure_file(Installer.icns "${BUNDLE_CONTENTS}/Resources/Installer.icns" COPYONLY)
-
 get_filename_component(qt_bin_folder "${Qt5_DIR}/../../../bin" ABSOLUTE)
 find_program(MACDEPLOYQT macdeployqt HINTS "${qt_bin_folder}" REQUIRED)
 
 set(SIGNING_IDENTITY "" CACHE STRING "Identity that codesign signs the bundle in the disk image with; none: unsigned")
 
 set(staged_bundle "\"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\"")
-install(DIRECTORY "${CMAKE_BINARY_DIR}/${BUNDLE_NAME}.app" DESTINATION . USE_SOURCE_PERMISSIONS)
+install(TARGETS installer BUNDLE DESTINATION .)
 install(CODE "execute_process(COMMAND \"${MACDEPLOYQT}\" ${staged_bundle} COMMAND_ERROR_IS_FATAL ANY)")
 if(SIGNING_IDENTITY)
     install(CODE "execute_process(
