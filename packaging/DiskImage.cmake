@@ -1,16 +1,12 @@
-get_filename_component(qt_bin_folder "${Qt5_DIR}/../../../bin" ABSOLUTE)
-find_program(MACDEPLOYQT macdeployqt HINTS "${qt_bin_folder}" REQUIRED)
+set(SIGNING_IDENTITY "-" CACHE STRING "Identity to sign bundle and disk image with; -: the bundle only, ad hoc")
 
-set(SIGNING_IDENTITY "" CACHE STRING "Identity that codesign signs the bundle in the disk image with; none: unsigned")
-
-set(staged_bundle "\"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\"")
 install(TARGETS installer BUNDLE DESTINATION .)
-install(CODE "execute_process(COMMAND \"${MACDEPLOYQT}\" ${staged_bundle} COMMAND_ERROR_IS_FATAL ANY)")
-if(SIGNING_IDENTITY)
-    install(CODE "execute_process(
-        COMMAND codesign --deep --force --timestamp --options runtime --sign \"${SIGNING_IDENTITY}\" ${staged_bundle}
-        COMMAND_ERROR_IS_FATAL ANY)")
-endif()
+get_target_property(qmake Qt5::qmake LOCATION)
+get_filename_component(qt_programs "${qmake}" DIRECTORY)
+install(CODE "set(BUNDLE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\")
+set(QT_PROGRAMS [==[${qt_programs}]==])
+set(SIGNING_IDENTITY [==[${SIGNING_IDENTITY}]==])")
+install(SCRIPT FinishBundle.cmake)
 
 set(CPACK_GENERATOR DragNDrop)
 set(CPACK_DMG_VOLUME_NAME "${BUNDLE_NAME}")
