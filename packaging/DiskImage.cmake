@@ -8,6 +8,15 @@ set(QT_PROGRAMS [==[${qt_programs}]==])
 set(SIGNING_IDENTITY [==[${SIGNING_IDENTITY}]==])")
 install(SCRIPT FinishBundle.cmake)
 
+# An image is read-only once it is made.
+set(DATABASE_FOLDER "" CACHE PATH "Folder of data files to lay beside the bundle in the disk image, as Lumetra")
+if(DATABASE_FOLDER)
+    if(NOT IS_DIRECTORY "${DATABASE_FOLDER}")
+        message(FATAL_ERROR "DATABASE_FOLDER is no folder: ${DATABASE_FOLDER}")
+    endif()
+    install(DIRECTORY "${DATABASE_FOLDER}/" DESTINATION Lumetra)
+endif()
+
 set(CPACK_GENERATOR DragNDrop)
 set(CPACK_DMG_VOLUME_NAME "${BUNDLE_NAME}")
 set(CPACK_DMG_DISABLE_APPLICATIONS_SYMLINK ON)
