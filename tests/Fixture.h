@@ -8,8 +8,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <unistd.h>
 
 /// For everything that waits for a tool or a thread: far more than a slow machine takes.
@@ -80,29 +78,4 @@ protected:
 
 private:
     const QString picked;
-};
-
-/// From here on this thread has mounts of its own, which nobody else sees. Only root can have them.
-inline bool enterOwnMounts()
-{
-    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-/// Puts a file or folder, or a new file system, over a place until the end of its life.
-class Mount {
-public:
-    Mount(const QString &source, const QString &place, const char *type = nullptr,
-        unsigned long flags = MS_BIND, const QString &options = QString())
-        : target(QFile::encodeName(place))
-    {
-        if (mount(QFile::encodeName(source).constData(), target.constData(), type, flags,
-                options.toUtf8().constData())
-            != 0)
-            qFatal("no mount on %s", target.constData());
-    }
-    Mount(const Mount &) = delete;
-    ~Mount() { umount2(target.constData(), MNT_DETACH); }
-
-private:
-    QByteArray target;
 };

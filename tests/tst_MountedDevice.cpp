@@ -1,4 +1,5 @@
 #include "Fixture.h"
+#include "OwnMounts.h"
 
 #include "core/MountedDevice.h"
 
@@ -15,14 +16,14 @@ private slots:
         const Tree tree;
         for (const char *name : {"disk/b", "memory1", "memory2", "view1", "view2", "overlay"})
             tree.folder(name);
-        const Mount memory1("tmpfs", tree.path("memory1"), "tmpfs", 0);
-        const Mount memory2("tmpfs", tree.path("memory2"), "tmpfs", 0);
+        const Mount memory1("tmpfs", tree.path("memory1"), "tmpfs");
+        const Mount memory2("tmpfs", tree.path("memory2"), "tmpfs");
         const Mount view1(tree.folder("disk/a"), tree.path("view1"));
         const Mount view2(tree.path("disk/b"), tree.path("view2"));
         tree.folder("memory2/changes/upper");
         tree.file("disk/a/lower");
         const QString layers = "lowerdir=%1,upperdir=%2,workdir=%3";
-        const Mount overlay("overlay", tree.path("overlay"), "overlay", 0,
+        const Mount overlay("overlay", tree.path("overlay"), "overlay",
             layers.arg(tree.path("disk/a"), tree.path("memory2/changes"), tree.folder("memory2/work")));
 
         const auto same = [&](const QString &from, const QString &to) {
