@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -13,10 +14,20 @@
 /// For everything that waits for a tool or a thread: far more than a slow machine takes.
 constexpr int patience = 60000;
 
-/// A temporary folder and what a test puts into it. Names are relative to it, and given back as whole paths.
+/// Where a test's random numbers begin, which is said: the environment variable SEED repeats a run.
+inline quint32 randomSeed()
+{
+    const QByteArray given = qgetenv("SEED");
+    const quint32 seed = given.isEmpty() ? QRandomGenerator::global()->generate() : given.toUInt();
+    qInfo("SEED=%u", seed);
+    return seed;
+}
+
+/// A temporary folder and what a test puts into it. Names are relative to it, and given back as whole paths,
+/// free of symbolic links.
 class Tree {
 public:
-    QString path(const QString &name = QString()) const { return root.filePath(name); }
+    QString path(const QString &name = QString()) const { return QDir(place).filePath(name); }
     QString folder(const QString &name) const
     {
         QDir().mkpath(path(name));
@@ -31,7 +42,8 @@ public:
     }
 
 private:
-    QTemporaryDir root;
+    const QTemporaryDir root;
+    const QString place = QFileInfo(root.path()).canonicalFilePath();
 };
 
 inline QByteArray contentsOf(const QString &path)

@@ -10,32 +10,40 @@ class tst_ConclusionPage : public QObject {
     Q_OBJECT
 
 private slots:
-    void everyFailureHasItsText()
+    void failureHasItsText_data()
     {
-        const struct {
-            int code;
-            QString message, shown;
-        } rows[] = {{-60006, "", "Cancel was pressed."},
-            {-60005, "", "The username entered does not have admin privileges."},
-            {-100, "Error message is:\n50%1 full", "Error message is:\n50%1 full"},
-            {-61, "", "A MacOS error occured (-61)"}, {7, "", "A MacOS error occured (7)"}};
-        for (const auto &[code, message, shown] : rows) {
-            QWizard wizard;
-            wizard.setPage(2, new PickDestPage);
-            auto *page = new ConclusionPage;
-            wizard.setPage(3, page);
-            wizard.setStartId(3);
-            wizard.setField("path", "/Volumes/50%1");
-            wizard.show();
-            QVERIFY(!wizard.button(QWizard::FinishButton)->isEnabled());
-            QMetaObject::invokeMethod(page, "resultSet", Q_ARG(int, code), Q_ARG(QString, message));
-            QMetaObject::invokeMethod(page, "handleResult");
-            QCOMPARE(page->title(), "Database was not installed");
-            QCOMPARE(page->subTitle(), shown);
-            QVERIFY(wizard.button(QWizard::FinishButton)->isEnabled());
-            QVERIFY(page->findChild<QProgressBar *>()->isHidden());
-            QCOMPARE(wizard.field("path").toString(), "/Volumes/50%1");
-        }
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("shown");
+
+        QTest::newRow("rights refused") << -60005 << ""
+                                        << "The username entered does not have admin privileges.";
+        QTest::newRow("text of a tool") << -100 << "Error message is:\n50%1 full"
+                                        << "Error message is:\n50%1 full";
+        QTest::newRow("code of the system") << -61 << ""
+                                            << "A MacOS error occured (-61)";
+        QTest::newRow("positive code") << 7 << ""
+                                       << "A MacOS error occured (7)";
+    }
+
+    void failureHasItsText()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, message);
+        QWizard wizard;
+        wizard.setPage(2, new PickDestPage);
+        auto *page = new ConclusionPage;
+        wizard.setPage(3, page);
+        wizard.setStartId(3);
+        wizard.setField("path", "/Volumes/50%1");
+        wizard.show();
+        QVERIFY(!wizard.button(QWizard::FinishButton)->isEnabled());
+        QMetaObject::invokeMethod(page, "resultSet", Q_ARG(int, code), Q_ARG(QString, message));
+        QMetaObject::invokeMethod(page, "handleResult");
+        QTEST(page->subTitle(), "shown");
+        QVERIFY(wizard.button(QWizard::FinishButton)->isEnabled());
+        QVERIFY(page->findChild<QProgressBar *>()->isHidden());
+        QCOMPARE(wizard.field("path").toString(), "/Volumes/50%1");
     }
 
     void unusableDestinationIsRefusedAtOnce_data()

@@ -6,13 +6,47 @@
 
 #include <QPushButton>
 
+/// Takes the place of the system's df for the time of its life.
+class FakeDf {
+public:
+    explicit FakeDf(int megabytes)
+    {
+        // What it answers counts, whatever its exit code.
+        const QByteArray line = "d 9 9 " + QByteArray::number(megabytes * 1024);
+        QFile df(
+            tree.file("df", "#!/bin/sh\nprintf %s \"$*\" >${0%df}asked; echo h; echo " + line + "; exit 1"));
+        df.setPermissions(QFile::Permissions(0x7755));
+        qputenv("PATH", QFile::encodeName(tree.path()));
+    }
+    FakeDf(const FakeDf &) = delete;
+    ~FakeDf() { qputenv("PATH", searchPath); }
+
+    QString arguments() const { return QString::fromUtf8(contentsOf(tree.path("asked"))); }
+
+private:
+    const Tree tree;
+    const QByteArray searchPath = qgetenv("PATH");
+};
+
 class tst_PickDestPage : public QObject {
     Q_OBJECT
 
     QWizard wizard;
     SourcePage *sourcePage = new SourcePage;
     PickDestPage *page = new PickDestPage;
-    const QString proposal = "/Library/Application Support/Brindlewerks/Lumetra";
+
+    void pick(const QString &folder)
+    {
+        const FolderPick dialog(folder);
+        page->findChild<QPushButton *>()->click();
+    }
+
+    /// The destination that is offered, both to the user and to the next page.
+    QString offered() const
+    {
+        const QString path = wizard.field("path").toString();
+        return page->subTitle().contains("\n\n" + path + "\n\n") ? path : page->subTitle();
+    }
 
 private slots:
     void initTestCase()
@@ -23,85 +57,150 @@ private slots:
         wizard.show();
     }
 
+    void picksTheFirstFreeName_data()
+    {
+        QTest::addColumn<QStringList>("taken");
+        QTest::addColumn<QString>("name");
+
+        QTest::newRow("nothing there") << QStringList() << "Lumetra";
+        QTest::newRow("first taken") << QStringList{"Lumetra"} << "Lumetra_0";
+        QTest::newRow("two taken") << QStringList{"Lumetra", "Lumetra_0"} << "Lumetra_1";
+        QTest::newRow("only the second taken") << QStringList{"Lumetra_0"} << "Lumetra";
+    }
+
     void picksTheFirstFreeName()
     {
+        QFETCH(QStringList, taken);
+        QFETCH(QString, name);
         const Tree tree;
         const QString folder = tree.folder("%1 \n é");
-        const auto isOffered = [&](const QString &destination) {
-            return wizard.field("path") == destination
-                && page->subTitle().contains("\n\n" + destination + "\n\n");
-        };
-        const auto pick = [&](const QString &picked) {
-            const FolderPick dialog(picked);
-            page->findChild<QPushButton *>()->click();
-        };
-        for (const QString name : {"/Lumetra", "/Lumetra_0", "/Lumetra_1"}) {
-            pick(folder);
-            QVERIFY2(isOffered(folder + name), qPrintable(page->subTitle()));
-            tree.file("%1 \n é" + name);
-        }
-        for (const char *picked : {"/", ""}) {
-            pick(picked);
-            QVERIFY2(isOffered("//Lumetra"), qPrintable(page->subTitle()));
-        }
+        for (const QString &each : taken)
+            tree.file("%1 \n é/" + each);
+        pick(folder);
+        QCOMPARE(offered(), folder + '/' + name);
+    }
+
+    void dismissedDialogChangesNothing()
+    {
+        pick("/");
+        QCOMPARE(offered(), "//Lumetra");
+        pick({});
+        QCOMPARE(offered(), "//Lumetra");
+    }
+
+    void proposalComesBackWithThePage()
+    {
+        pick("/");
         page->hide();
         page->show();
-        QVERIFY(isOffered(proposal));
+        QCOMPARE(offered(), "/Library/Application Support/Brindlewerks/Lumetra");
     }
 
-    void refusesWhatDoesNotFit()
+    void looksAtTheDiskOfTheDestination_data()
     {
-        const QString folder = "/Library/Application Support";
-        struct {
-            QString path, probed;
-            int megabytes;
-            quint64 size;
-            QString amount;
-        } const rows[] = {{"/a/b c/Lumetra", "/a/b c", 5, 4999999, ""},
-            {proposal, folder, 5, 5000000, "0.00 KB"}, {folder + "!/x", folder, 5, 5000999, "0.00 KB"},
-            {"//Lumetra", "/", 0, 1000000, "1000.00 KB"}, {"/Lumetra", "/Lumetra", 1, 2999999, "1.00 MB"},
-            {"/a/L", "/a", 0, 1000000000, "1000.00 MB"}, {"Lumetra", "Lumetra", 7, 2607000000, "2.00 GB"},
-            {"/a/L", "/a", 0, ~quint64(0), "9223372036.00 GB"}};
-        sResultList = {QFileInfo("/proc/version")};
-        const QByteArray searchPath = qgetenv("PATH");
-        for (const auto &[path, probed, megabytes, size, amount] : rows) {
-            const Tree tree;
-            // What it answers counts, whatever its exit code.
-            const QByteArray line = "d 9 9 " + QByteArray::number(megabytes * 1024);
-            QFile df(tree.file(
-                "df", "#!/bin/sh\nprintf %s \"$*\" >${0%df}probed; echo h; echo " + line + "; exit 1"));
-            df.setPermissions(QFile::Permissions(0x7755));
-            qputenv("PATH", tree.path().toUtf8());
-            sCopyFiles = true;
-            sourcePage->dbSize = size;
-            wizard.setField("path", path);
-            page->setSubTitle("before");
-            QCOMPARE(page->validatePage(), amount.isEmpty());
-            QVERIFY2(page->subTitle().contains(amount.isEmpty() ? "before" : " (" + amount + " additional"),
-                qPrintable(page->subTitle()));
-            QCOMPARE(QString::fromUtf8(contentsOf(tree.path("probed"))), "-k " + probed);
-            QVERIFY(!sCopyFiles);
-        }
-        qputenv("PATH", searchPath);
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("probed");
+
+        const QString shared = "/Library/Application Support";
+        QTest::newRow("parent") << "/a/b c/Lumetra"
+                                << "/a/b c";
+        QTest::newRow("shared folder") << shared + "/Brindlewerks/Lumetra" << shared;
+        QTest::newRow("begins like the shared folder") << shared + "!/x" << shared;
+        QTest::newRow("picked root") << "//Lumetra"
+                                     << "/";
+        QTest::newRow("single entry of the root") << "/Lumetra"
+                                                  << "/Lumetra";
+        QTest::newRow("no slash") << "Lumetra"
+                                  << "Lumetra";
     }
 
-    void movesOnOneDevice()
+    void looksAtTheDiskOfTheDestination()
     {
+        QFETCH(QString, path);
+        QFETCH(QString, probed);
+        const FakeDf df(0);
+        // On a file system that nothing else is on.
+        sResultList = {QFileInfo("/dev/null")};
+        wizard.setField("path", path);
+        page->validatePage();
+        QCOMPARE(df.arguments(), "-k " + probed);
+    }
+
+    void copyThatFitsIsAccepted()
+    {
+        const FakeDf df(5);
+        sCopyFiles = true;
+        sResultList = {QFileInfo("/dev/null")};
+        sourcePage->dbSize = 4999999;
+        page->setSubTitle("before");
+        QVERIFY(page->validatePage());
+        QVERIFY(!sCopyFiles);
+        QCOMPARE(page->subTitle(), "before");
+    }
+
+    void copyThatDoesNotFitIsRefused_data()
+    {
+        QTest::addColumn<int>("megabytes");
+        QTest::addColumn<quint64>("size");
+        QTest::addColumn<QString>("missing");
+
+        QTest::newRow("just full") << 5 << quint64(5000000) << "0.00 KB";
+        QTest::newRow("below a kilobyte") << 5 << quint64(5000999) << "0.00 KB";
+        QTest::newRow("a megabyte") << 0 << quint64(1000000) << "1000.00 KB";
+        QTest::newRow("almost two megabytes") << 1 << quint64(2999999) << "1.00 MB";
+        QTest::newRow("a gigabyte") << 0 << quint64(1000000000) << "1000.00 MB";
+        QTest::newRow("more than two gigabytes") << 7 << quint64(2607000000) << "2.00 GB";
+        QTest::newRow("more than there is") << 0 << ~quint64(0) << "9223372036.00 GB";
+    }
+
+    void copyThatDoesNotFitIsRefused()
+    {
+        QFETCH(int, megabytes);
+        QFETCH(quint64, size);
+        QFETCH(QString, missing);
+        const FakeDf df(megabytes);
+        sCopyFiles = true;
+        sResultList = {QFileInfo("/dev/null")};
+        sourcePage->dbSize = size;
+        QVERIFY(!page->validatePage());
+        QVERIFY(!sCopyFiles);
+        QVERIFY2(page->subTitle().contains(" (" + missing + " additional"), qPrintable(page->subTitle()));
+    }
+
+    void movesOnOneDiskOnly_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<bool>("moves");
+
+        QTest::newRow("one disk") << "a.zqin"
+                                  << "b" << true;
+        QTest::newRow("file is gone") << "gone.zqin"
+                                      << "b" << false;
+        QTest::newRow("folder is gone") << "a.zqin"
+                                        << "gone" << false;
+        QTest::newRow("both are gone") << "gone.zqin"
+                                       << "gone" << false;
+        QTest::newRow("no file") << ""
+                                 << "b" << false;
+    }
+
+    void movesOnOneDiskOnly()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, folder);
+        QFETCH(bool, moves);
         const Tree tree;
         tree.file("a.zqin");
         tree.folder("b");
+        sResultList.clear();
+        if (!file.isEmpty())
+            sResultList << QFileInfo(tree.path(file));
         sourcePage->dbSize = ~quint64(0);
-        const QList<QFileInfo> present{tree.path("a.zqin")}, gone{tree.path("gone")};
-        for (const auto &list : {present, gone, {}}) {
-            for (const char *parent : {"b", "gone"}) {
-                const bool same = list == present && *parent == 'b';
-                sResultList = list;
-                wizard.setField("path", tree.path(parent) + "/Lumetra");
-                QCOMPARE(page->validatePage(), same);
-                QCOMPARE(sCopyFiles, same);
-                QCOMPARE(page->subTitle() == "The files will be moved to the selected location.", same);
-            }
-        }
+        wizard.setField("path", tree.path(folder) + "/Lumetra");
+        QCOMPARE(page->validatePage(), moves);
+        QCOMPARE(sCopyFiles, moves);
+        QCOMPARE(page->subTitle() == "The files will be moved to the selected location.", moves);
     }
 };
 

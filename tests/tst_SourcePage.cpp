@@ -10,54 +10,71 @@
 class tst_SourcePage : public QObject {
     Q_OBJECT
 
-private slots:
-    void tellsTheSize()
+    const Tree tree;
+    const QString location = QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../../../Lumetra");
+
+    /// Presses the button as soon as it can be and picks a folder of the tree, or none.
+    void pick(const SourcePage &page, const QString &folder) const
     {
-        const QString search =
-            "\nPlease press \"Find data files\" to locate the \"Lumetra\" database source files folder.";
-        const auto found = [](const char *source, const char *gigabytes) {
-            return QByteArray("This Installer will copy or move the Corvane Lumetra Database from ") + source
-                + " to your hard disk.\n\nThe databases will occupy approximately " + gigabytes
-                + " GB  of additional disk space.";
-        };
-        struct {
-            const char *beside;
-            QStringList picks;
-            QString text;
-            quint64 size;
-        } const rows[] = {{nullptr, {}, "The Lumetra database source folder was not found." + search, 0},
-            {"empty", {}, found("the source folders", "0.00"), 0}, {nullptr, {""}, "Scanning...", 0},
-            {nullptr, {"", "R&D %1"}, "No Lumetra database files were found in R&D %1." + search, 0},
-            {"empty", {"R&D %1", "Full %2 é"}, found("\"Full %2 é\"", "5.37"), 5368709120}};
-        const Tree tree;
+        auto *button = page.findChild<QPushButton *>();
+        QTRY_VERIFY_WITH_TIMEOUT(!button->isHidden() && button->isEnabled(), patience);
+        const FolderPick dialog(folder.isEmpty() ? folder : tree.path(folder));
+        button->click();
+        QCOMPARE(dialog.caption, QString("Select Database directory"));
+        QCOMPARE(page.findChild<QLabel *>()->text(), QString("Scanning..."));
+        QCOMPARE(button->isEnabled(), folder.isEmpty());
+    }
+
+private slots:
+    void initTestCase()
+    {
         tree.folder("empty");
         tree.folder("R&D %1");
         QFile::resize(tree.file("Full %2 é/sub/a.zqin"), 5368709120);
-        const QString location =
-            QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../../../Lumetra");
-        for (const auto &[beside, picks, text, size] : rows) {
-            QFile::remove(location);
-            QVERIFY(!beside || QFile::link(tree.path(beside), location));
-            SourcePage page;
-            const auto *label = page.findChild<QLabel *>();
-            auto *button = page.findChild<QPushButton *>();
-            const QSignalSpy completions(&page, &SourcePage::completeChanged);
-            QVERIFY(!page.isComplete());
-            for (const QString &pick : picks) {
-                QTRY_VERIFY_WITH_TIMEOUT(!button->isHidden() && button->isEnabled(), patience);
-                const FolderPick dialog(pick.isEmpty() ? pick : tree.path(pick));
-                button->click();
-                QCOMPARE(dialog.caption, QString("Select Database directory"));
-                QCOMPARE(label->text(), QString("Scanning..."));
-                QCOMPARE(button->isEnabled(), pick.isEmpty());
-            }
-            QTRY_COMPARE_WITH_TIMEOUT(label->text(), text, patience);
-            QCOMPARE(page.dbSize, size);
-            QCOMPARE(page.isComplete(), size > 0);
-            QCOMPARE(completions.count(), size > 0);
-            QCOMPARE(button->isHidden(), size > 0);
-        }
-        QFile::remove(location);
+    }
+
+    void cleanup() { QFile::remove(location); }
+
+    void tellsTheSize_data()
+    {
+        QTest::addColumn<QString>("beside");
+        QTest::addColumn<QStringList>("picks");
+        QTest::addColumn<QString>("said");
+        QTest::addColumn<quint64>("size");
+
+        QTest::newRow("nothing there") << "" << QStringList() << "was not found.\n" << quint64(0);
+        QTest::newRow("empty default")
+            << "empty" << QStringList() << "from the source folders to your hard disk.* 0.00 GB  "
+            << quint64(0);
+        QTest::newRow("full default")
+            << "Full %2 é" << QStringList() << "from the source folders to your hard disk.* 5.37 GB  "
+            << quint64(5368709120);
+        QTest::newRow("dismissed") << "" << QStringList{""} << "^Scanning...$" << quint64(0);
+        QTest::newRow("empty pick") << "" << QStringList{"", "R&D %1"} << "found in R&D %1.\n" << quint64(0);
+        QTest::newRow("full pick") << "empty" << QStringList{"R&D %1", "Full %2 é"}
+                                   << "from \"Full %2 é\" to your hard disk.* 5.37 GB  "
+                                   << quint64(5368709120);
+    }
+
+    void tellsTheSize()
+    {
+        QFETCH(QString, beside);
+        QFETCH(QStringList, picks);
+        QFETCH(QString, said);
+        QFETCH(quint64, size);
+        QVERIFY(beside.isEmpty() || QFile::link(tree.path(beside), location));
+        SourcePage page;
+        const QSignalSpy completions(&page, &SourcePage::completeChanged);
+        QVERIFY(!page.isComplete());
+        for (const QString &folder : picks)
+            pick(page, folder);
+        const QRegularExpression form(said, QRegularExpression::DotMatchesEverythingOption);
+        const auto *label = page.findChild<QLabel *>();
+        QTRY_VERIFY2_WITH_TIMEOUT(form.match(label->text()).hasMatch(), qPrintable(label->text()), patience);
+        QCOMPARE(page.dbSize, size);
+        QCOMPARE(page.isComplete(), size > 0);
+        QCOMPARE(completions.count(), size > 0);
+        QCOMPARE(page.findChild<QPushButton *>()->isHidden(), size > 0);
     }
 
     void takesAResultWithoutAScanner()
