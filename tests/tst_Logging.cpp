@@ -5,32 +5,39 @@
 class tst_Logging : public QObject {
     Q_OBJECT
 
+    const Tree tree;
+    const QString logFile = tree.file("a \"log\" é", "from before\n");
+
 private slots:
-    /// The log opens once a process and never closes: the row that opens it is the last.
-    void opensWhereThePreferenceSays()
+    void incompleteCallOpensNothing()
     {
-        const Tree tree;
-        qputenv("HOME", tree.path().toUtf8());
-        const QString logFile = tree.file("a \"log\" é", "from before\n");
-        const QByteArray path = logFile.toHtmlEscaped().toUtf8();
-        const std::pair<QByteArray, bool> preferences[] = {{"<string>" + path + "/x</string>", true},
-            {"<string></string>", false}, {"<string>" + QByteArray(4096, '/') + path + "</string>", false},
-            {"<array><string>" + path + "</string></array>", false}, {"<string>" + path + "</string>", true}};
-        for (const auto &[value, tried] : preferences) {
-            QCOMPARE(contentsOf(logFile), QByteArray("from before\n"));
-            tree.file("Library/Preferences/com.brindle.Corvane.plist",
-                "<plist version=\"1.0\"><dict><key>tst_Logging_LogLocation</key>" + value
-                    + "</dict></plist>");
-            QVERIFY2(ShouldStartMacLogging() == tried, value);
-            log_msg("%s", "no end");
-        }
-        QVERIFY(ShouldStartMacLogging());
+        const QByteArray path = QFile::encodeName(logFile);
+        for (const auto &[name, tag] : {std::pair<const char *, const char *>(nullptr, "tag"), {"", "tag"},
+                 {path.constData(), nullptr}, {path.constData(), ""}})
+            OpenMacLogWithBanner(name, tag);
+        log_msg("lost\n");
+        QCOMPARE(contentsOf(logFile), QByteArray("from before\n"));
+    }
+
+    /// The log opens once a process and never closes.
+    void linesAreAppended()
+    {
+        OpenMacLogWithBanner(QFile::encodeName(logFile).constData(), QByteArray(200, 't').constData());
+        log_msg("%s", "no end");
         log_msg("%s", QByteArray(10000, 'x').constData());
         const QList<QByteArray> lines = contentsOf(logFile).split('\n');
         QCOMPARE(lines.size(), 4);
-        QVERIFY(lines[1].startsWith("[tst_Logging ") && lines[1].endsWith("] started---"));
-        QVERIFY(lines[3].contains(": no end[tst_Logging "));
+        QCOMPARE(lines[0], QByteArray("from before"));
+        const QByteArray tag(128, 't');
+        QVERIFY(lines[1].startsWith('[' + tag + ' ') && lines[1].endsWith("] started---"));
+        QVERIFY(lines[3].contains(": no end[" + tag + ' '));
         QVERIFY(lines[3].endsWith(": " + QByteArray(8191, 'x')));
+    }
+
+    void secondLogIsNotOpened()
+    {
+        OpenMacLogWithBanner(QFile::encodeName(tree.path("second")).constData(), "tag");
+        QVERIFY(!QFile::exists(tree.path("second")));
     }
 };
 

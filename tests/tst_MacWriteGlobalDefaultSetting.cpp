@@ -1,0 +1,121 @@
+#include "Fixture.h"
+#include "OwnMounts.h"
+
+#include "macos/MacDoAuthorizedCommand.h"
+#include "macos/MacWriteGlobalDefaultSetting.h"
+
+/// The setting as a program of the suite reads it; "(none)" when there is none.
+static QByteArray setting()
+{
+    const CFPropertyListRef value = CFPreferencesCopyAppValue(CFSTR("Key"), CFSTR("org.example.test"));
+    if (!value)
+        return "(none)";
+    char text[1000] = "(not a string)";
+    if (CFGetTypeID(value) == CFStringGetTypeID())
+        CFStringGetCString(static_cast<CFStringRef>(value), text, sizeof text, kCFStringEncodingUTF8);
+    CFRelease(value);
+    return text;
+}
+
+static bool write(const QByteArray &domain, const char *value, AuthorizationRef authorization)
+{
+    const CFStringRef name = CFStringCreateWithCString(kCFAllocatorDefault, domain, kCFStringEncodingUTF8);
+    const bool started = MacWriteGlobalDefaultSetting(name, "Key", value, authorization);
+    CFRelease(name);
+    return started;
+}
+
+/// Where it would change something, in a root of its own.
+class tst_MacWriteGlobalDefaultSetting : public QObject {
+    Q_OBJECT
+
+    const QByteArray domain = "org.example.test";
+    AuthorizationRef authorization = nullptr;
+
+    static void setIn(const QString &home)
+    {
+        QDir().mkpath(home + "/Library/Preferences");
+        QFile list(home + "/Library/Preferences/org.example.test.plist");
+        QVERIFY(list.open(QIODevice::WriteOnly));
+        list.write("<plist><dict><key>Key</key><string>before</string></dict></plist>");
+    }
+
+private slots:
+    void initTestCase()
+    {
+        if (enterOwnRoot())
+            createAuthority(&authorization);
+    }
+
+    void init()
+    {
+        if (!authorization && QTest::currentTestFunction() != QByteArray("nothingIsRunWithoutAReference"))
+            QSKIP("needs a root of its own, which only root on Linux has");
+    }
+
+    void cleanupTestCase()
+    {
+        if (authorization)
+            freeAuthority(&authorization);
+    }
+
+    void nothingIsRunWithoutAReference() { QVERIFY(!write(domain, "value", nullptr)); }
+
+    void valueIsWrittenOrDeleted_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QByteArray>("found");
+
+        const QByteArray text = "  two  '\"$(true)` é";
+        QTest::newRow("text") << text << text;
+        QTest::newRow("empty") << QByteArray("") << QByteArray("(none)");
+        QTest::newRow("null") << QByteArray() << QByteArray("(none)");
+    }
+
+    void valueIsWrittenOrDeleted()
+    {
+        QFETCH(QByteArray, value);
+        setIn("");
+        QVERIFY(write(domain, value.isNull() ? nullptr : value.constData(), authorization));
+        QTEST(setting(), "found");
+    }
+
+    void domainMustFit_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<bool>("started");
+
+        QTest::newRow("longest") << QByteArray(4074, 'x') << true;
+        QTest::newRow("too long") << QByteArray(4075, 'x') << false;
+        QTest::newRow("in Mac Roman") << QByteArray("Gr\u00fc\u00dfe") << true;
+        QTest::newRow("outside of it") << QByteArray("\u0436") << false;
+    }
+
+    void domainMustFit()
+    {
+        QFETCH(QByteArray, name);
+        QTEST(write(name, "value", authorization), "started");
+    }
+
+    void toolThatCannotStartIsTold()
+    {
+        setIn("");
+        const Mount broken(
+            "/dev/null", QCoreApplication::applicationDirPath() + "/Contents/Helpers/defaults");
+        QVERIFY(!write(domain, "value", authorization));
+        QCOMPARE(setting(), QByteArray("before"));
+    }
+
+    void settingOfTheUserComesFirst()
+    {
+        const Tree home;
+        qputenv("HOME", QFile::encodeName(home.path()));
+        QVERIFY(write(domain, "of the computer", authorization));
+        QCOMPARE(setting(), QByteArray("of the computer"));
+        setIn(home.path());
+        QCOMPARE(setting(), QByteArray("before"));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_MacWriteGlobalDefaultSetting)
+#include "tst_MacWriteGlobalDefaultSetting.moc"
