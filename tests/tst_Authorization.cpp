@@ -137,8 +137,8 @@ private slots:
         umask(mask);
         close(inherited);
         const auto variable = [](const char *text) { return QByteArray(text) + '\0'; };
-        QTRY_COMPARE(
-            proc(tool, "environ"), variable("PATH=/usr/sbin:/usr/bin:/sbin:/bin") + variable("LC_ALL=C"));
+        QTRY_COMPARE_WITH_TIMEOUT(proc(tool, "environ"),
+            variable("PATH=/usr/sbin:/usr/bin:/sbin:/bin") + variable("LC_ALL=C"), patience);
         QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), QString("/"));
         QVERIFY(proc(tool, "status").contains("Umask:\t0022\n"));
         // But the thread library's two, which can't be reset.
@@ -146,11 +146,12 @@ private slots:
         QVERIFY(nothingIgnored.match(proc(tool, "status")).hasMatch());
         // A folder object of its own for each look: it keeps what it has listed.
         const auto descriptors = [tool] { return QDir(QString("/proc/%1/fd").arg(tool)); };
-        QTRY_COMPARE(descriptors().entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
-            QStringList({"0", "1", "2"}));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            descriptors().entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+            QStringList({"0", "1", "2"}), patience);
         QVERIFY(isAlive(tool));
         helper.stop();
-        QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), 1000);
+        QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), patience);
     }
 
     void otherProcessIsRefused()
@@ -179,11 +180,11 @@ private slots:
                 pause();
             pause();
         }
-        QTRY_VERIFY(childOf(childOf(installer)));
+        QTRY_VERIFY_WITH_TIMEOUT(childOf(childOf(installer)), patience);
         const int helper = childOf(installer), tool = childOf(helper);
         kill(installer, SIGKILL);
         waitpid(installer, nullptr, 0);
-        const bool haveEnded = QTest::qWaitFor([&] { return !isAlive(helper) && !isAlive(tool); }, 1000);
+        const bool haveEnded = QTest::qWaitFor([&] { return !isAlive(helper) && !isAlive(tool); }, patience);
         kill(-installer, SIGKILL);
         QVERIFY(haveEnded);
     }
