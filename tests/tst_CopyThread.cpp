@@ -2,6 +2,9 @@
 
 #include "CopyThread.h"
 #include "InstallState.h"
+#include "UnfinishedMark.h"
+
+#include <QSignalSpy>
 
 class tst_CopyThread : public QObject {
     Q_OBJECT
@@ -58,8 +61,52 @@ private slots:
             const QByteArray contents = contentsOf(tree->path("destination/" + file.fileName()));
             QVERIFY2(contents.endsWith(file.fileName().toUtf8()), qPrintable(file.fileName()));
         }
-        QCOMPARE(QDir(tree->path("destination")).entryList(QDir::Files).size(), 3);
+        QCOMPARE(QDir(tree->path("destination")).entryList(QDir::Files | QDir::Hidden).size(), 3);
         QCOMPARE(contentsOf(tree->path("destination/same.zqin")), QByteArray("sub/same.zqin"));
+    }
+
+    void unfinishedDestinationIsMarked_data()
+    {
+        QTest::addColumn<bool>("interrupted");
+        QTest::newRow("after a failure") << false;
+        QTest::newRow("after a stop behind the last file") << true;
+    }
+
+    void unfinishedDestinationIsMarked()
+    {
+        QFETCH(bool, interrupted);
+        tree = std::make_unique<Tree>();
+        sCopyFiles = false;
+        sResultList = {tree->file("a.zqin"), interrupted ? tree->file("b.zqin") : tree->path("gone.zqin")};
+        CopyThread worker(nullptr, tree->folder("destination"));
+        connect(
+            &worker, &CopyThread::copiedFile, &worker,
+            [&](int done) {
+                if (interrupted && done == 2)
+                    worker.requestInterruption();
+            },
+            Qt::DirectConnection);
+        worker.start();
+        QVERIFY(worker.wait(patience));
+        QVERIFY(QFile::exists(unfinishedMark(tree->path("destination"))));
+    }
+
+    void filesInPlaceStayAsTheyAre_data() { byCopyOrMove(); }
+
+    /// An installed database that is only to be recorded.
+    void filesInPlaceStayAsTheyAre()
+    {
+        QFETCH(bool, move);
+        tree = std::make_unique<Tree>();
+        sCopyFiles = move;
+        sResultList = {tree->file("installed/a.zqin", "1"), tree->file("installed/b.zqin", "2")};
+        CopyThread worker(nullptr, tree->path("installed"));
+        QSignalSpy results(&worker, &CopyThread::copyResult);
+        worker.start();
+        QVERIFY(worker.wait(patience));
+        QTRY_COMPARE(results.size(), 3);
+        QCOMPARE(results.last(), (QList<QVariant>{0, QString()}));
+        QCOMPARE(contentsOf(tree->path("installed/a.zqin")), QByteArray("1"));
     }
 };
 

@@ -3,6 +3,7 @@
 #include "InstallState.h"
 #include "PickDestPage.h"
 #include "SourcePage.h"
+#include "UnfinishedMark.h"
 
 #include <QPushButton>
 
@@ -66,6 +67,8 @@ private slots:
         QTest::newRow("first taken") << QStringList{"Lumetra"} << "Lumetra_0";
         QTest::newRow("two taken") << QStringList{"Lumetra", "Lumetra_0"} << "Lumetra_1";
         QTest::newRow("only the second taken") << QStringList{"Lumetra_0"} << "Lumetra";
+        const QString unfinished = unfinishedMark("Lumetra_0");
+        QTest::newRow("second unfinished") << QStringList{"Lumetra", unfinished} << "Lumetra_0";
     }
 
     void picksTheFirstFreeName()

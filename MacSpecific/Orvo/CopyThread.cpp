@@ -2,6 +2,7 @@
 
 #include "InstallState.h"
 #include "PartWrittenFile.h"
+#include "UnfinishedMark.h"
 #include "computecontrol/ToolStart.h"
 
 #include <QDeadlineTimer>
@@ -64,18 +65,25 @@ void CopyThread::unpriviledgedCopy()
     umask(022);
     int done = 0;
     const QList<QFileInfo> files = sResultList;
+    if (!files.isEmpty())
+        markUnfinished(path);
     for (const QFileInfo &file : files) {
         if (isInterruptionRequested() || !copyFile(tool, program, file.absoluteFilePath()))
-            break;
+            return;
         emit copyResult(0, QString());
         emit copiedFile(++done);
     }
+    if (!isInterruptionRequested())
+        removeUnfinishedMark(path);
 }
 
 /// Runs the tool for one file. False when the file failed, which has been reported then, or was interrupted.
 bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString &file)
 {
     const PartWrittenFile destination(file, path);
+    if (destination.isInPlace())
+        return true;
+    const auto interrupted = [this] { return isInterruptionRequested(); };
     QStringList arguments{file, getPath() + QLatin1Char('/')};
     if (!sCopyFiles)
         arguments.prepend(QStringLiteral("-pf"));
@@ -87,7 +95,10 @@ bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString 
             tool.kill();
             tool.waitForFinished(-1);
         }
-        destination.remove(sCopyFiles);
+        if (interrupted())
+            destination.removeAfterStop(sCopyFiles);
+        else
+            destination.removeAfterFailure(sCopyFiles, interrupted);
         emit copyResult(failure, message);
         return false;
     }
@@ -95,7 +106,7 @@ bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString 
     const QByteArray complaint = tool.readAllStandardError();
     if (complaint.isEmpty())
         return true;
-    destination.remove(sCopyFiles);
+    destination.removeAfterFailure(sCopyFiles, interrupted);
     std::fprintf(stderr, "Lumetra Installer: %s", complaint.constData());
     std::fflush(stderr);
     emit copyResult(

@@ -4,7 +4,33 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 #include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// Whether both files hold the same bytes, and those of the second have reached the disk: what a tool that
+/// complains couldn't write may stand in the system's cache for a while.
+bool haveSameBytes(const QString &first, const QString &second, const std::function<bool()> &interrupted)
+{
+    constexpr qint64 block = 1 << 20;
+    QFile one(first);
+    QFile other(second);
+    if (!one.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
+        || !other.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || one.size() != other.size()
+        || fsync(other.handle()) != 0)
+        return false;
+    for (qint64 left = one.size(); left > 0; left -= block) {
+        const QByteArray bytes = one.read(block);
+        if (interrupted() || bytes.size() != std::min(left, block) || bytes != other.read(block))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
 
 PartWrittenFile::State::State(const QString &path)
 {
@@ -13,10 +39,13 @@ PartWrittenFile::State::State(const QString &path)
         return;
     exists = true;
     isFile = S_ISREG(status.st_mode);
+    device = status.st_dev;
     inode = status.st_ino;
     size = status.st_size;
-    // By way of QFileInfo, since the field of struct stat has another name on every system.
-    modified = QFileInfo(path).lastModified().toMSecsSinceEpoch();
+    // By way of QFileInfo, since the fields of struct stat have other names on every system.
+    const QFileInfo file(path);
+    modified = file.lastModified().toMSecsSinceEpoch();
+    changed = file.metadataChangeTime().toMSecsSinceEpoch();
 }
 
 PartWrittenFile::PartWrittenFile(const QString &source, const QString &destination)
@@ -30,7 +59,8 @@ PartWrittenFile::PartWrittenFile(const QString &source, const QString &destinati
 bool PartWrittenFile::untouched(const State &now) const
 {
     return destinationBefore.exists && now.inode == destinationBefore.inode
-        && now.size == destinationBefore.size && now.modified == destinationBefore.modified;
+        && now.size == destinationBefore.size && now.modified == destinationBefore.modified
+        && now.changed == destinationBefore.changed;
 }
 
 bool PartWrittenFile::whole(const State &now) const
@@ -42,13 +72,33 @@ bool PartWrittenFile::whole(const State &now) const
     return now.size == sourceBefore.size && sameTime;
 }
 
-void PartWrittenFile::remove(bool moved) const
+bool PartWrittenFile::isInPlace() const
+{
+    return sourceBefore.isFile && destinationBefore.isFile && sourceBefore.device == destinationBefore.device
+        && sourceBefore.inode == destinationBefore.inode && !QFileInfo(destinationPath).isSymLink();
+}
+
+/// Whether the run has written the file, and a move hasn't finished it.
+bool PartWrittenFile::mayGo(const State &now, bool moved) const
+{
+    // A move removes its source only when it has copied all of it.
+    return now.isFile && !untouched(now)
+        && !(moved && !State(sourcePath).exists && now.size >= sourceBefore.size);
+}
+
+void PartWrittenFile::removeAfterStop(bool moved) const
 {
     const State now(destinationPath);
-    if (!now.isFile || untouched(now) || whole(now))
+    if (mayGo(now, moved) && !whole(now))
+        QFile::remove(destinationPath);
+}
+
+void PartWrittenFile::removeAfterFailure(bool moved, const std::function<bool()> &interrupted) const
+{
+    if (!mayGo(State(destinationPath), moved) || haveSameBytes(sourcePath, destinationPath, interrupted))
         return;
-    // A move removes its source only when it has copied all of it.
-    if (moved && !State(sourcePath).exists && now.size >= sourceBefore.size)
-        return;
-    QFile::remove(destinationPath);
+    if (interrupted())
+        removeAfterStop(moved);
+    else
+        QFile::remove(destinationPath);
 }

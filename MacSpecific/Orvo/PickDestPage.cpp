@@ -6,6 +6,7 @@
 #include "PageIds.h"
 #include "PageText.h"
 #include "SourcePage.h"
+#include "UnfinishedMark.h"
 #include "computecontrol/DfProcess.h"
 #include "core/LimitedCalls.h"
 
@@ -33,6 +34,11 @@ public:
     WaitCursor(const WaitCursor &) = delete;
     ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
 };
+
+bool exists(const QString &path)
+{
+    return limited::access(path.toStdString(), F_OK) == 0;
+}
 
 /// The folder whose file system the destination will lie on, and which exists before it.
 QString probeFolderOf(const QString &path)
@@ -139,7 +145,7 @@ void PickDestPage::chooseDestination()
     const QString base = folder + QLatin1Char('/');
     const QString name = QStringLiteral("Lumetra");
     QString candidate = base + name;
-    for (int n = 0; limited::access(candidate.toStdString(), F_OK) == 0; ++n)
+    for (int n = 0; exists(candidate) && !exists(unfinishedMark(candidate)); ++n)
         candidate = QStringLiteral("%1%2_%3").arg(base, name, QString::number(n));
     showDestination(candidate);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))

@@ -1,12 +1,14 @@
 // Preloaded into the installer and its tools: fails the Nth call of one kind among all of them. FAILING_CALLS
-// is "file:kind:N:errno"; the file holds the shared count.
+// is "file:kind:N:errno"; the file holds the shared count. With the errno 0 the call never returns.
 
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
@@ -39,17 +41,31 @@ bool mustFail(const char *kind)
 {
     if (!count || *count < 0 || strcmp(kind, chosenKind) != 0 || ++*count != chosenCall)
         return false;
+    while (chosenError == 0)
+        pause();
     errno = chosenError;
     return true;
+}
+
+std::string placeOf(int descriptor)
+{
+    char name[32];
+    char target[256];
+    snprintf(name, sizeof name, "/proc/self/fd/%d", descriptor);
+    const ssize_t length = readlink(name, target, sizeof target);
+    return std::string(target, length > 0 ? static_cast<size_t>(length) : 0);
 }
 
 /// Writing to the pipes and events that hold a process together doesn't fail on a real system.
 bool isFile(int descriptor)
 {
-    char name[32];
-    char target = 0;
-    snprintf(name, sizeof name, "/proc/self/fd/%d", descriptor);
-    return readlink(name, &target, 1) == 1 && target == '/';
+    return placeOf(descriptor)[0] == '/';
+}
+
+/// Programs list folders of their own, too.
+bool isSource(int descriptor)
+{
+    return placeOf(descriptor) == "/opt/Lumetra";
 }
 
 } // namespace
@@ -79,6 +95,8 @@ FAILING("open", open64)
 FAILING("open", openat)
 FAILING("open", openat64)
 FAILING_IF("open", opendir, true, 0)
+FAILING_IF("list", readdir, isSource(dirfd(reinterpret_cast<DIR *>(a))), 0)
+FAILING_IF("access", access, strstr(reinterpret_cast<const char *>(a), "Lumetra"), -1)
 FAILING("mkdir", mkdir)
 FAILING("mkdir", mkdirat)
 FAILING("stat", stat)

@@ -112,6 +112,7 @@ def invariant(case, before, older, source, title):
     there = {}
     if os.path.isdir(DESTINATION):
         there = content(os.open(DESTINATION, os.O_RDONLY))
+    marked = there.pop(".unfinished-installation", None)
     left = content(source, before)
     wrong = [f"{name} is lost" for name, file in before.items()
              if file not in (left.get(name), there.get(name)) and name not in case.lost]
@@ -119,6 +120,8 @@ def invariant(case, before, older, source, title):
     wrong += [f"{name} of old is lost" for name in older if name not in there]
     if title == INSTALLED and not case.silent and any(there.get(name) != file for name, file in before.items()):
         wrong.append("shown as installed, but isn't")
+    if title == INSTALLED and marked:
+        wrong.append("installed, but marked as unfinished")
     if os.path.exists(PREFERENCE) and title != INSTALLED:
         wrong.append("recorded, but not installed")
     return wrong
