@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 
@@ -24,19 +25,20 @@ struct EntryKind {
     bool isDataFile;
 };
 
-EntryKind kindOf(const struct dirent &entry, unsigned char type)
+EntryKind kindOf(const struct dirent &entry, int type)
 {
     return {type == DT_DIR, type == DT_REG && isDataFileName(entry.d_name)};
 }
 
-/// The entry's type, asked of the file system where the listing itself doesn't tell it.
-unsigned char typeOf(int folder, const struct dirent &entry)
+/// The entry's type, asked of the file system where the listing itself doesn't tell it. -1 when it can't be
+/// had, with errno set.
+int typeOf(int folder, const struct dirent &entry)
 {
     if (entry.d_type != DT_UNKNOWN)
         return entry.d_type;
     struct stat status;
     if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
-        return DT_UNKNOWN;
+        return errno == ENOENT ? DT_UNKNOWN : -1;
     return S_ISDIR(status.st_mode) ? DT_DIR : S_ISREG(status.st_mode) ? DT_REG : DT_UNKNOWN;
 }
 
@@ -89,20 +91,27 @@ void sortByName(std::vector<FolderEntry> &entries, int prefixLength)
 
 // Not with QDir, which examines every entry and again every file that is asked for its size: a scan of
 // 200,000 files takes almost twice as long with it.
-std::vector<FolderEntry> listFolder(const QString &prefix, const std::function<bool()> &interrupted)
+FolderListing listFolder(const QString &prefix, const std::function<bool()> &interrupted)
 {
-    std::vector<FolderEntry> entries;
+    FolderListing listing;
     const std::unique_ptr<DIR, int (*)(DIR *)> folder(
         opendir(QFile::encodeName(prefix).constData()), closedir);
-    if (!folder)
-        return entries;
+    if (!folder) {
+        const bool mayNot = errno == EACCES || errno == EPERM || errno == ENAMETOOLONG;
+        listing.error = mayNot ? 0 : errno;
+        return listing;
+    }
     const int descriptor = dirfd(folder.get());
-    while (const struct dirent *entry = readdir(folder.get())) {
+    // A null that isn't the end is told from it by errno alone.
+    while (const struct dirent *entry = (errno = 0, readdir(folder.get()))) {
         if (interrupted())
-            return entries;
+            return listing;
         if (isSelfOrParent(entry->d_name))
             continue;
-        const EntryKind kind = kindOf(*entry, typeOf(descriptor, *entry));
+        const int type = typeOf(descriptor, *entry);
+        if (type < 0)
+            break;
+        const EntryKind kind = kindOf(*entry, type);
         if (!kind.isFolder && !kind.isDataFile)
             continue;
         // A file that can't be examined is listed all the same, so that its installation fails and is
@@ -110,9 +119,10 @@ std::vector<FolderEntry> listFolder(const QString &prefix, const std::function<b
         struct stat status = {};
         if (kind.isDataFile)
             fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW);
-        entries.push_back(
+        listing.entries.push_back(
             {joined(prefix, entry->d_name), kind.isFolder, static_cast<quint64>(status.st_size)});
     }
-    sortByName(entries, prefix.size());
-    return entries;
+    listing.error = errno;
+    sortByName(listing.entries, prefix.size());
+    return listing;
 }

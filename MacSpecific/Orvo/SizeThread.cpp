@@ -5,7 +5,37 @@
 
 #include <QDir>
 
+#include <cerrno>
+
+#include <sys/stat.h>
+
 namespace {
+
+/// The folder at which a scan began. A disk that is gone looks like folders that someone has just removed.
+struct Root {
+    explicit Root(const QString &folder)
+        : path(folder)
+        , exists(identify(first))
+    {
+    }
+
+    bool isStillThere() const
+    {
+        struct stat now;
+        return exists && identify(now) && now.st_dev == first.st_dev && now.st_ino == first.st_ino;
+    }
+
+    const QString path;
+
+private:
+    bool identify(struct stat &status) const
+    {
+        return stat(QFile::encodeName(path).constData(), &status) == 0;
+    }
+
+    struct stat first;
+    const bool exists;
+};
 
 /// A folder on the way down from the root of the scan, and how far its entries are done.
 struct OpenFolder {
@@ -32,29 +62,39 @@ void SizeThread::run()
 // the small stack that some systems give a thread.
 quint64 SizeThread::dirSize(const QString &path, QList<QFileInfo> &list)
 {
+    if (path.isEmpty())
+        return 0; // not the current folder
+    const Root root(QDir::isAbsolutePath(path) ? path : QDir::current().filePath(path));
     const auto interrupted = [this] { return isInterruptionRequested(); };
-    const auto open = [&](const QString &folder) {
-        const QString prefix = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
-        return OpenFolder{listFolder(prefix, interrupted)};
+    const auto before = list.size();
+    const auto failed = [&list, before] {
+        list.erase(list.begin() + before, list.end());
+        return quint64(0);
     };
     quint64 total = 0;
-    if (path.isEmpty())
-        return total; // not the current folder
-    std::vector<OpenFolder> way;
-    way.push_back(open(QDir::isAbsolutePath(path) ? path : QDir::current().filePath(path)));
-    while (!way.empty() && !interrupted()) {
-        OpenFolder &folder = way.back();
+    std::vector<OpenFolder> stack;
+    const auto open = [&](const QString &folder) {
+        const QString prefix = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+        FolderListing listing = listFolder(prefix, interrupted);
+        const bool isGone = listing.error == ENOENT || listing.error == ENOTDIR;
+        stack.push_back({std::move(listing.entries)});
+        return listing.error == 0 || (isGone && root.isStillThere());
+    };
+    if (!open(root.path))
+        return failed();
+    while (!stack.empty() && !interrupted()) {
+        OpenFolder &folder = stack.back();
         if (folder.next == folder.entries.size()) {
-            way.pop_back();
+            stack.pop_back();
             continue;
         }
-        const FolderEntry &entry = folder.entries[folder.next++];
-        if (entry.isFolder) {
-            way.push_back(open(entry.path));
-            continue;
+        const FolderEntry entry = folder.entries[folder.next++];
+        if (!entry.isFolder) {
+            total += entry.size;
+            list.append(QFileInfo(entry.path));
+        } else if (!open(entry.path)) {
+            return failed();
         }
-        total += entry.size;
-        list.append(QFileInfo(entry.path));
     }
-    return total;
+    return root.isStillThere() ? total : failed();
 }

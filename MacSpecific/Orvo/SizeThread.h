@@ -14,8 +14,8 @@ public:
     SizeThread(QObject *parent, QString path);
 
     /// Scans the folder `path` in depth and appends its data files to `list`, every folder's entries in the
-    /// order of their names in lower case. Returns the files' total size in bytes; folders that can't be read
-    /// count 0.
+    /// order of their names in lower case. Returns the files' total size in bytes; folders that may not be
+    /// read, or vanish meanwhile, count 0. When the disk fails or is gone, 0 with the list as it was.
     quint64 dirSize(const QString &path, QList<QFileInfo> &list);
 
 signals:
