@@ -4,6 +4,8 @@
 #include "macos/MacDoAuthorizedCommand.h"
 #include "macos/MacWriteGlobalDefaultSetting.h"
 
+#include <QTemporaryFile>
+
 /// The setting as a program of the suite reads it; "(none)" when there is none.
 static QByteArray setting()
 {
@@ -59,7 +61,19 @@ private slots:
             freeAuthority(&authorization);
     }
 
-    void nothingIsRunWithoutAReference() { QVERIFY(!write(domain, "value", nullptr)); }
+    void nothingIsRunWithoutAReference()
+    {
+        // Even a failed start would have its report on standard error.
+        QTemporaryFile report;
+        QVERIFY(report.open());
+        const int before = dup(STDERR_FILENO);
+        dup2(report.handle(), STDERR_FILENO);
+        const bool started = write(domain, "value", nullptr);
+        dup2(before, STDERR_FILENO);
+        close(before);
+        QVERIFY(!started);
+        QCOMPARE(report.size(), qint64(0));
+    }
 
     void valueIsWrittenOrDeleted_data()
     {
