@@ -12,7 +12,6 @@
 #include <fcntl.h>
 #include <libproc.h>
 #include <pwd.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -62,17 +61,14 @@ void copyLogLocation(const std::string &key, char *location, CFIndex size)
     CFRelease(value);
 }
 
-/// As fopen with "a+", but a FIFO that nobody reads fails instead of blocking the start of the program.
+/// As fopen with "a+", but never waits: a FIFO that nobody reads isn't opened, and lines that find one full
+/// are lost. Nothing is read from the log, and a FIFO opened for that too would have a reader in this
+/// process.
 FILE *openForAppending(const char *path)
 {
-    const int descriptor = open(path, O_RDWR | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        return nullptr;
-    struct stat status;
-    FILE *stream = nullptr;
-    if (fstat(descriptor, &status) == 0 && !S_ISFIFO(status.st_mode))
-        stream = fdopen(descriptor, "a+");
-    if (!stream)
+    const int descriptor = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0666);
+    FILE *stream = descriptor >= 0 ? fdopen(descriptor, "a") : nullptr;
+    if (descriptor >= 0 && !stream)
         close(descriptor);
     return stream;
 }

@@ -2,13 +2,63 @@
 
 #include "MacXUtils/Logging.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 class tst_Logging : public QObject {
     Q_OBJECT
 
     const Tree tree;
     const QString logFile = tree.file("a \"log\" é", "from before\n");
 
+    /// Has a process of its own write a log of more than a FIFO holds. False when that takes too long.
+    static bool logIn(const QByteArray &path)
+    {
+        const int child = fork();
+        if (child == 0) {
+            alarm(10);
+            OpenMacLogWithBanner(path.constData(), "tag");
+            for (int line = 0; line < 3000; ++line)
+                log_msg("line %d of a log that nobody reads in time\n", line);
+            _exit(0);
+        }
+        int ending = -1;
+        waitpid(child, &ending, 0);
+        return ending == 0;
+    }
+
 private slots:
+    void fifoIsWrittenWithoutWaiting_data()
+    {
+        QTest::addColumn<bool>("isRead");
+        QTest::addColumn<bool>("byStandardError");
+        QTest::newRow("that is read") << true << false;
+        QTest::newRow("that nobody reads") << false << false;
+        QTest::newRow("as standard error") << true << true;
+    }
+
+    void fifoIsWrittenWithoutWaiting()
+    {
+        QFETCH(bool, isRead);
+        QFETCH(bool, byStandardError);
+        const QByteArray path = QFile::encodeName(tree.path("fifo"));
+        QFile::remove(path);
+        QCOMPARE(mkfifo(path, 0600), 0);
+        const int reader = isRead ? open(path, O_RDONLY | O_NONBLOCK) : -1;
+        const int standardError = dup(STDERR_FILENO);
+        if (byStandardError)
+            dup2(open(path, O_WRONLY), STDERR_FILENO);
+        const bool hasEnded = logIn(byStandardError ? "/dev/stderr" : path);
+        dup2(standardError, STDERR_FILENO);
+        QVERIFY(hasEnded);
+        char line[512] = "";
+        QCOMPARE(read(reader, line, sizeof line - 1) > 0, isRead);
+        QCOMPARE(QByteArray(line).startsWith("[tag "), isRead);
+        close(reader);
+    }
+
     void incompleteCallOpensNothing()
     {
         const QByteArray path = QFile::encodeName(logFile);
