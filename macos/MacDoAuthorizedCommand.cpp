@@ -1,8 +1,32 @@
 #include "MacDoAuthorizedCommand.h"
 
+#include <csignal>
 #include <cstdio>
 
 AuthorizationRef gMacAuthorizationRef = nullptr;
+
+namespace {
+
+/// Holds SIGCHLD back from this thread. Qt's handler, in place once the first QProcess has run, lets a read
+/// that it comes between fail, and that inside the system's call would pass for a tool that couldn't be
+/// started.
+class NoChildSignals {
+public:
+    NoChildSignals()
+    {
+        sigset_t children;
+        sigemptyset(&children);
+        sigaddset(&children, SIGCHLD);
+        pthread_sigmask(SIG_BLOCK, &children, &before);
+    }
+    NoChildSignals(const NoChildSignals &) = delete;
+    ~NoChildSignals() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+
+private:
+    sigset_t before;
+};
+
+} // namespace
 
 bool createAuthority(AuthorizationRef *authorization)
 {
@@ -39,11 +63,15 @@ OSStatus freeAuthority(AuthorizationRef *authorization)
 
 bool runCommandWithAuthority(AuthorizationRef authorization, const char *tool, char *const *arguments)
 {
+    const NoChildSignals whileItRuns;
     FILE *pipe = nullptr;
     // Deprecated on macOS, but the only call there that runs a tool as the superuser without a helper
     // installed for good, which a program used once must not leave behind.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     const OSStatus status =
         AuthorizationExecuteWithPrivileges(authorization, tool, kAuthorizationFlagDefaults, arguments, &pipe);
+#pragma GCC diagnostic pop
     if (pipe) {
         char piece[128];
         while (const size_t length = std::fread(piece, 1, sizeof piece, pipe))
