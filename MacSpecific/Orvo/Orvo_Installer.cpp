@@ -5,6 +5,7 @@
 #include "EulaPage.h"
 #include "InstallState.h"
 #include "MacXUtils/Logging.h"
+#include "PageAccessibility.h"
 #include "PageIds.h"
 #include "PageText.h"
 #include "PickDestPage.h"
@@ -36,12 +37,15 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     // The style that shows the artwork and calls its buttons as the pages' texts do; macOS picks it itself.
     setWizardStyle(QWizard::MacStyle);
     setOption(QWizard::NoCancelButton, false);
+    // On macOS QWizard starts with this option, and Return would press no button.
+    setOption(QWizard::NoDefaultButton, false);
     setOption(QWizard::DisabledBackButtonOnLastPage);
     fitToFont();
     // Folder names and the tools' messages stand in these texts and must not be taken for markup.
     setTitleFormat(Qt::PlainText);
     setSubTitleFormat(Qt::PlainText);
 
+    installPageAccessibility();
     setPage(AgreementPageId, new EulaPage);
     setPage(SourcePageId, new SourcePage);
     setPage(DestinationPageId, new PickDestPage);
