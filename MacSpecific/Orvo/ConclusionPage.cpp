@@ -6,6 +6,7 @@
 #include "PageIds.h"
 #include "PageText.h"
 #include "computecontrol/CorvaneInstallUtils.h"
+#include "core/KeepAwake.h"
 #include "core/LimitedCalls.h"
 #include "macos/MacDoAuthorizedCommand.h"
 #include "macos/MacWriteGlobalDefaultSetting.h"
@@ -195,6 +196,7 @@ void ConclusionPage::startCopying()
     progressBar->setMaximum(sResultList.size());
     progressBar->setFormat(QStringLiteral("%v of %m"));
     moveBar(0); // shows "0 of ..." while the first file, perhaps a large one, is under way
+    keepAwake = std::make_unique<KeepAwake>();
     copyThread->start(QThread::InheritPriority);
 }
 
@@ -206,6 +208,7 @@ void ConclusionPage::handleResult()
     // comes after it, since the wizard still finds the page incomplete here.
     wizard()->setOption(QWizard::NoCancelButton);
     complete = true;
+    keepAwake.reset();
     if (stage == Stopped)
         resultSet(errAuthorizationCanceled, QString());
     if (errCode == 0) {

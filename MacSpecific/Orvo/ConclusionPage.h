@@ -3,9 +3,11 @@
 #include <QString>
 #include <QWizardPage>
 
+#include <memory>
 #include <string>
 
 class CopyThread;
+class KeepAwake;
 class QProgressBar;
 
 /// Prepares the destination, has the files copied or moved, records the destination in the computer-wide
@@ -47,6 +49,7 @@ private:
     QString path;
     QProgressBar *progressBar;
     CopyThread *copyThread = nullptr;
+    std::unique_ptr<KeepAwake> keepAwake;
     /// How far the installation has come; `complete` tells whether its outcome is shown.
     enum { Waiting, Running, Stopped } stage = Waiting;
 };
