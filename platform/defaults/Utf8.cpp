@@ -1,12 +1,13 @@
 #include "Utf8.h"
 
+#include <cstdint>
 #include <iconv.h>
 
 bool isUtf8(const std::string &bytes)
 {
     // Into a form that has none of what UTF-8 must not hold; it takes at most twice the room.
     const iconv_t converter = iconv_open("UTF-16LE", "UTF-8");
-    if (converter == reinterpret_cast<iconv_t>(-1))
+    if (reinterpret_cast<intptr_t>(converter) == -1)
         return false;
     std::string converted(2 * bytes.size(), '\0');
     char *in = const_cast<char *>(bytes.data());
