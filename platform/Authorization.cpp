@@ -3,7 +3,6 @@
 #include "HelperProcess.h"
 
 #include <cstring>
-#include <sys/socket.h>
 
 struct AuthorizationOpaqueRef {
     std::string prompt;
@@ -67,15 +66,9 @@ OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, cons
         return errAuthorizationInvalidRef;
     if (!authorization->helper.wasStarted())
         return errAuthorizationDenied;
-    int ends[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
-        return errAuthorizationInternal;
-    Descriptor own(ends[0]);
-    const Descriptor tools(ends[1]);
-    const OSStatus status = authorization->helper.runTool(pathToTool, arguments, tools.get());
-    if (status == errAuthorizationSuccess && communicationsPipe) {
-        *communicationsPipe = fdopen(own.get(), "r+");
-        own.release();
-    }
+    Descriptor connection;
+    const OSStatus status = authorization->helper.runTool(pathToTool, arguments, connection);
+    if (status == errAuthorizationSuccess && communicationsPipe)
+        *communicationsPipe = fdopen(connection.release(), "r+");
     return status;
 }

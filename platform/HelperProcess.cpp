@@ -2,7 +2,6 @@
 
 #include "EndSignals.h"
 #include "HelperPlace.h"
-#include "helper/HelperProtocol.h"
 #include "helper/HelperRequest.h"
 
 #include <cerrno>
@@ -125,7 +124,8 @@ OSStatus HelperProcess::start(const std::string &prompt)
 OSStatus HelperProcess::awaitReady(int errorEnd, const std::string &prompt)
 {
     HelperReply reply;
-    if (recv(socket.get(), &reply, sizeof reply, 0) == sizeof reply)
+    Descriptor none;
+    if (receive(reply, none))
         return reply.status;
     return statusOfFailedStart(errorEnd, prompt);
 }
@@ -176,25 +176,12 @@ bool HelperProcess::isRunning() const
     return socket && !isReadable(socket.get(), 0);
 }
 
-OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, int connection)
+OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, Descriptor &connection)
 {
-    std::string packet = packRequest(tool, arguments);
-    iovec span{packet.data(), packet.size()};
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof connection)] = {};
-    msghdr message{};
-    message.msg_iov = &span;
-    message.msg_iovlen = 1;
-    message.msg_control = control;
-    message.msg_controllen = sizeof control;
-    cmsghdr *header = CMSG_FIRSTHDR(&message);
-    header->cmsg_level = SOL_SOCKET;
-    header->cmsg_type = SCM_RIGHTS;
-    header->cmsg_len = CMSG_LEN(sizeof connection);
-    std::memcpy(CMSG_DATA(header), &connection, sizeof connection);
-
+    const std::string packet = packRequest(tool, arguments);
     HelperReply reply;
-    if (sendmsg(socket.get(), &message, MSG_NOSIGNAL) < 0 || !isReadable(socket.get(), answerLimit)
-        || recv(socket.get(), &reply, sizeof reply, 0) != sizeof reply) {
+    if (send(socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) < 0
+        || !isReadable(socket.get(), answerLimit) || !receive(reply, connection)) {
         // A late answer must not pass for that to the next request.
         shutdown(socket.get(), SHUT_RDWR);
         say("The helper for administrator rights has ended.");
@@ -203,4 +190,24 @@ OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, int co
     if (reply.status != errAuthorizationSuccess)
         say(reply.reason);
     return reply.status;
+}
+
+/// False when there is no whole reply.
+bool HelperProcess::receive(HelperReply &reply, Descriptor &connection)
+{
+    iovec span{&reply, sizeof reply};
+    int number = -1;
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof number)];
+    msghdr message{};
+    message.msg_iov = &span;
+    message.msg_iovlen = 1;
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
+    const ssize_t length = recvmsg(socket.get(), &message, MSG_CMSG_CLOEXEC);
+    const cmsghdr *header = CMSG_FIRSTHDR(&message);
+    if (length > 0 && header && header->cmsg_type == SCM_RIGHTS) {
+        std::memcpy(&number, CMSG_DATA(header), sizeof number);
+        connection = Descriptor(number);
+    }
+    return length == sizeof reply;
 }

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "Descriptor.h"
-
-#include <Security/Authorization.h>
+#include "helper/HelperProtocol.h"
 
 #include <string>
 
@@ -23,12 +22,13 @@ public:
     bool wasStarted() const { return bool(socket); }
     bool isRunning() const;
 
-    /// Has the tool started on the connection; a status of AuthorizationExecuteWithPrivileges.
-    OSStatus runTool(const char *tool, char *const *arguments, int connection);
+    /// Has the tool started and gets a connection to it; a status of AuthorizationExecuteWithPrivileges.
+    OSStatus runTool(const char *tool, char *const *arguments, Descriptor &connection);
 
 private:
     OSStatus awaitReady(int errorEnd, const std::string &prompt);
     OSStatus statusOfFailedStart(int errorEnd, const std::string &prompt);
+    bool receive(HelperReply &reply, Descriptor &connection);
 
     Descriptor socket;
     pid_t process = -1;

@@ -1,9 +1,10 @@
 #include "Fixture.h"
+#include "OwnMounts.h"
 
 #include "platform/HelperPlace.h"
-#include "platform/HelperProcess.h"
 #include "platform/helper/HelperProtocol.h"
-#include "platform/helper/HelperRequest.h"
+
+#include <QProcess>
 
 #include <Security/Authorization.h>
 
@@ -40,7 +41,8 @@ static bool isAlive(int process)
 class tst_Authorization : public QObject {
     Q_OBJECT
 
-    Tree tree;
+    std::unique_ptr<Tree> tree;
+    QByteArray folder;
     AuthorizationRef authorization = nullptr;
 
     OSStatus start(const char *tool, QVector<QByteArray> arguments, FILE **pipe)
@@ -64,17 +66,11 @@ class tst_Authorization : public QObject {
         return status;
     }
 
-    /// Starts a tool that can't end, as its complaint doesn't fit into the connection; its process id.
-    static int startHangingTool(HelperProcess &helper)
+    /// Starts a tool that can't end, as no one reads what it prints; its process id.
+    int startHangingTool(FILE **pipe)
     {
-        int ends[2];
-        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends);
-        while (send(ends[1], "x", 1, MSG_DONTWAIT) == 1) { }
-        QByteArray existing = "/";
-        char *const arguments[] = {existing.data(), nullptr};
-        helper.start({});
-        helper.runTool("/bin/mkdir", arguments, ends[1]);
-        close(ends[1]);
+        const Mount endless("/usr/bin/yes", "/bin/mkdir");
+        start("/bin/mkdir", {"-m", "755", folder}, pipe);
         return childOf(childOf(getpid()));
     }
 
@@ -85,10 +81,16 @@ class tst_Authorization : public QObject {
     }
 
 private slots:
+    void initTestCase()
+    {
+        if (!enterOwnMounts())
+            QSKIP("only root gets the helper without being asked");
+    }
+
     void init()
     {
-        if (geteuid() != 0)
-            QSKIP("only root gets the helper without being asked");
+        tree = std::make_unique<Tree>();
+        folder = QFile::encodeName(tree->path("Lumetra"));
         QCOMPARE(obtainRight(authorization), OSStatus(errAuthorizationSuccess));
     }
 
@@ -98,32 +100,96 @@ private slots:
         QCOMPARE(childOf(getpid()), 0);
     }
 
-    void onlyWellFormedRequestsAreAccepted()
+    void onlyTheFolderThatIsNamedIsReached_data()
     {
-        const QByteArray nul(1, '\0'), mkdir = "/bin/mkdir" + nul, argument = "a" + nul;
-        const QByteArray longest(int(largestRequest) - mkdir.size() - 1, 'x');
-        const QByteArrayList good{
-            mkdir + argument, mkdir + argument.repeated(mostArguments), mkdir + longest + nul};
-        const QByteArrayList bad{"", nul + argument, mkdir, "bin/mkdir" + nul + argument, mkdir + "cut off",
-            mkdir + argument.repeated(mostArguments + 1), mkdir + longest + "x" + nul};
-        for (QByteArray packet : good + bad) {
-            // In memory of its exact size, where a sanitizer sees what is read past it.
-            const std::vector<char> bytes(packet.begin(), packet.end());
-            const bool accepted = parseRequest(bytes.data(), bytes.size()).refusal.empty();
-            QVERIFY2(accepted == good.contains(packet), packet.left(50).replace('\0', ' '));
-        }
+        QTest::addColumn<QString>("making");
+        QTest::addColumn<QByteArray>("reached");
+        const QByteArray none;
+        QTest::newRow("own folder") << "mkdir Lumetra" << QByteArray("./Lumetra\n");
+        QTest::newRow("another's folder") << "mkdir Lumetra; chown 1 Lumetra" << none;
+        QTest::newRow("file") << "touch Lumetra" << none;
+        QTest::newRow("link in its place") << "mkdir a; ln -s a Lumetra" << none;
+        const auto onTheWay = [](const char *name, const QString &making, const QByteArray &reached) {
+            QTest::newRow(name) << "mkdir -p a/Lumetra b; ln -s ../a b/way;" + making + "; echo /b/way"
+                                << reached;
+        };
+        onTheWay("root's link", ":", "./a/Lumetra\n");
+        onTheWay("root's link from the top", "ln -sfn $PWD/a b/way", "./a/Lumetra\n");
+        onTheWay("another's link", "chown -h 1 b/way", none);
+        onTheWay("root's link to another's", "ln -sfn c b/way; ln -s ../a b/c; chown -h 1 b/c", none);
+        onTheWay("root's link in another's folder", "chown 1 b", none);
+        onTheWay("root's link where a group can write", "chmod 770 b", none);
+        onTheWay("root's link where all can write", "chmod 1777 b", none);
+        onTheWay("link to itself", "ln -sfn way b/way", none);
+        onTheWay("link to a file", "ln -sfn /etc/passwd b/way", none);
     }
 
-    void onlyTheInstallersToolsAreStarted()
+    void onlyTheFolderThatIsNamedIsReached()
     {
-        const QByteArray made = QFile::encodeName(tree.path("made"));
-        for (const char *tool : {"/bin/sh", "mkdir", "/bin/../bin/mkdir", "/bin/mkdir ", "", "defaults"})
-            QCOMPARE(run(tool, {made}), OSStatus(errAuthorizationToolExecuteFailure));
-        QCOMPARE(run("/bin/mkdir", {made, QByteArray(int(largestRequest), 'x')}),
-            OSStatus(errAuthorizationToolExecuteFailure));
-        QVERIFY(!QDir(made).exists());
-        QCOMPARE(run("/bin/mkdir", {made}), OSStatus(errAuthorizationSuccess));
-        QVERIFY(QDir(made).exists());
+        QFETCH(const QString, making);
+        const auto shell = [this](const QString &script) {
+            QProcess process;
+            process.setWorkingDirectory(tree->path());
+            process.start("/bin/sh", {"-c", "umask 022;" + script});
+            process.waitForFinished(patience);
+            return process.readAllStandardOutput();
+        };
+        const QByteArray way = tree->path().toUtf8() + shell(making).trimmed();
+        const OSStatus status = run("/bin/chmod", {"0775", way + "/Lumetra"});
+        const QByteArray reached = shell("find . -perm 0775");
+        QTEST(reached, "reached");
+        QCOMPARE(status,
+            OSStatus(reached.isEmpty() ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess));
+    }
+
+    void newFolderHasTheModeThatIsAskedFor()
+    {
+        QCOMPARE(run("/bin/mkdir", {"-m", "775", folder}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(QFileInfo(folder).permissions(), QFile::Permissions(0x7775));
+        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder + "_0"}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(QFileInfo(folder + "_0").permissions(), QFile::Permissions(0x7755));
+    }
+
+    void onlyAFolderThatWasMadeHereIsGivenAway()
+    {
+        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationSuccess));
+        QVERIFY(QFile::rename(folder, folder + "_0") && QDir().mkdir(folder));
+        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
+        // An existing one isn't made by a mkdir that fails.
+        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
+        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder + "_0"}), OSStatus(errAuthorizationSuccess));
+    }
+
+    void whatTookTheNewFoldersPlaceIsNotGivenAway_data()
+    {
+        QTest::addColumn<QByteArray>("making");
+        QTest::newRow("full") << QByteArray("/bin/touch other/file");
+        QTest::newRow("another's") << QByteArray("/bin/chown 1 other");
+        QTest::newRow("link") << QByteArray("/bin/rmdir other; ln -s /etc other");
+    }
+
+    void whatTookTheNewFoldersPlaceIsNotGivenAway()
+    {
+        QFETCH(const QByteArray, making);
+        const QString script = tree->file("script", "#!/bin/sh\n" + making + "; /bin/mv other $1");
+        QVERIFY(
+            QDir().mkdir(tree->path("other")) && QFile::setPermissions(script, QFile::Permissions(0x7555)));
+        {
+            const Mount swapped(script, "/bin/mkdir");
+            QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
+        }
+        QVERIFY(QFileInfo::exists(folder));
+        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
+    }
+
+    void tenRefusalsEndTheHelper()
+    {
+        for (int i = 0; i < 10; ++i)
+            QCOMPARE(run("/bin/sh", {"-c", "id"}), OSStatus(errAuthorizationToolExecuteFailure));
+        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationInternal));
+        QVERIFY(!QFileInfo::exists(folder));
     }
 
     void toolSeesNothingAndEndsWithTheRight()
@@ -132,14 +198,15 @@ private slots:
         const mode_t mask = umask(0);
         qputenv("LD_PRELOAD_OF_A_STRANGER", "x");
         const int inherited = dup(STDIN_FILENO);
-        HelperProcess helper;
-        const int tool = startHangingTool(helper);
+        obtainRight(authorization);
+        FILE *pipe = nullptr;
+        const int tool = startHangingTool(&pipe);
         umask(mask);
         close(inherited);
         const auto variable = [](const char *text) { return QByteArray(text) + '\0'; };
         QTRY_COMPARE_WITH_TIMEOUT(proc(tool, "environ"),
             variable("PATH=/usr/sbin:/usr/bin:/sbin:/bin") + variable("LC_ALL=C"), patience);
-        QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), QString("/"));
+        QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), tree->path());
         QVERIFY(proc(tool, "status").contains("Umask:\t0022\n"));
         // But the thread library's two, which can't be reset.
         const QRegularExpression nothingIgnored("SigIgn:\\t.{8}[08]0000000\\n");
@@ -150,22 +217,45 @@ private slots:
             descriptors().entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
             QStringList({"0", "1", "2"}), patience);
         QVERIFY(isAlive(tool));
-        helper.stop();
+        giveUpRight();
         QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), patience);
+        fclose(pipe);
     }
 
     void otherProcessIsRefused()
     {
-        const QByteArray made = QFile::encodeName(tree.path("made by another"));
         const int child = fork();
         if (child == 0)
-            _exit(run("/bin/mkdir", {made}) == errAuthorizationToolExecuteFailure ? 0 : 1);
+            _exit(run("/bin/mkdir", {"-m", "755", folder}) == errAuthorizationToolExecuteFailure ? 0 : 1);
         int ending = -1;
         waitpid(child, &ending, 0);
         QCOMPARE(ending, 0);
-        QVERIFY(!QDir(made).exists());
-        QCOMPARE(
-            run("/bin/chmod", {"0755", QFile::encodeName(tree.path())}), OSStatus(errAuthorizationSuccess));
+        QVERIFY(!QDir(folder).exists());
+        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
+    }
+
+    void descriptorIsRefused()
+    {
+        int ends[2];
+        socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends);
+        if (fork() == 0) {
+            dup2(ends[1], STDIN_FILENO);
+            execl(helperPath().c_str(), "helper", nullptr);
+        }
+        close(ends[1]);
+        const QByteArray nul(1, '\0');
+        QByteArray packet = "/bin/mkdir" + nul + "-m" + nul + "755" + nul + folder + nul;
+        iovec span{packet.data(), size_t(packet.size())};
+        alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
+        msghdr message{nullptr, 0, &span, 1, control, sizeof control, 0};
+        *CMSG_FIRSTHDR(&message) = {CMSG_LEN(sizeof(int)), SOL_SOCKET, SCM_RIGHTS}; // standard input
+        HelperReply reply;
+        recv(ends[0], &reply, sizeof reply, 0);
+        QVERIFY(sendmsg(ends[0], &message, 0) > 0 && recv(ends[0], &reply, sizeof reply, 0) > 0);
+        close(ends[0]);
+        wait(nullptr);
+        QCOMPARE(reply.status, OSStatus(errAuthorizationToolExecuteFailure));
+        QVERIFY(!QFileInfo::exists(folder));
     }
 
     void helperEndsWithAKilledInstaller()
@@ -173,8 +263,9 @@ private slots:
         const int installer = fork();
         if (installer == 0) {
             setpgid(0, 0);
-            HelperProcess rights;
-            startHangingTool(rights);
+            obtainRight(authorization);
+            FILE *pipe = nullptr;
+            startHangingTool(&pipe);
             // A process that holds the installer's descriptors must not keep the helper alive.
             if (fork() == 0)
                 pause();
@@ -191,10 +282,10 @@ private slots:
 
     void replaceableFileIsSeen()
     {
-        const QByteArray file = tree.file("a/b/file").toUtf8();
+        const QByteArray file = tree->file("a/b/file").toUtf8();
         const auto isReplaceable = [&](mode_t folderMode, mode_t fileMode) {
-            return chmod(tree.path("a").toUtf8(), folderMode) == 0 && chmod(file, fileMode) == 0
-                && isReplaceableByAnyone(tree.path("a/b/../b/file").toStdString());
+            return chmod(tree->path("a").toUtf8(), folderMode) == 0 && chmod(file, fileMode) == 0
+                && isReplaceableByAnyone(tree->path("a/b/../b/file").toStdString());
         };
         QVERIFY(!isReplaceable(0775, 0775));
         QVERIFY(isReplaceable(0755, 0757));

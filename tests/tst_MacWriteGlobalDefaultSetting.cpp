@@ -9,7 +9,8 @@
 /// The setting as a program of the suite reads it; "(none)" when there is none.
 static QByteArray setting()
 {
-    const CFPropertyListRef value = CFPreferencesCopyAppValue(CFSTR("Key"), CFSTR("org.example.test"));
+    const CFPropertyListRef value =
+        CFPreferencesCopyAppValue(CFSTR("LumetraFullDatabasePath"), CFSTR("com.brindle.CorvaneLumetra"));
     if (!value)
         return "(none)";
     char text[1000] = "(not a string)";
@@ -22,7 +23,7 @@ static QByteArray setting()
 static bool write(const QByteArray &domain, const char *value, AuthorizationRef authorization)
 {
     const CFStringRef name = CFStringCreateWithCString(kCFAllocatorDefault, domain, kCFStringEncodingUTF8);
-    const bool started = MacWriteGlobalDefaultSetting(name, "Key", value, authorization);
+    const bool started = MacWriteGlobalDefaultSetting(name, "LumetraFullDatabasePath", value, authorization);
     CFRelease(name);
     return started;
 }
@@ -31,15 +32,15 @@ static bool write(const QByteArray &domain, const char *value, AuthorizationRef 
 class tst_MacWriteGlobalDefaultSetting : public QObject {
     Q_OBJECT
 
-    const QByteArray domain = "org.example.test";
+    const QByteArray domain = "com.brindle.CorvaneLumetra";
     AuthorizationRef authorization = nullptr;
 
     static void setIn(const QString &home)
     {
         QDir().mkpath(home + "/Library/Preferences");
-        QFile list(home + "/Library/Preferences/org.example.test.plist");
+        QFile list(home + "/Library/Preferences/com.brindle.CorvaneLumetra.plist");
         QVERIFY(list.open(QIODevice::WriteOnly));
-        list.write("<plist><dict><key>Key</key><string>before</string></dict></plist>");
+        list.write("<plist><dict><key>LumetraFullDatabasePath</key><string>before</string></dict></plist>");
     }
 
 private slots:
@@ -97,18 +98,30 @@ private slots:
     void domainMustFit_data()
     {
         QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<bool>("started");
+        QTest::addColumn<QByteArray>("asked");
 
-        QTest::newRow("longest") << QByteArray(4074, 'x') << true;
-        QTest::newRow("too long") << QByteArray(4075, 'x') << false;
-        QTest::newRow("in Mac Roman") << QByteArray("Gr\u00fc\u00dfe") << true;
-        QTest::newRow("outside of it") << QByteArray("\u0436") << false;
+        QTest::newRow("longest") << QByteArray(4074, 'x') << QByteArray(4074, 'x');
+        QTest::newRow("too long") << QByteArray(4075, 'x') << QByteArray();
+        QTest::newRow("in Mac Roman") << QByteArray("Gr\u00fc\u00dfe") << QByteArray("Gr\x9f\xa7\x65");
+        QTest::newRow("outside of it") << QByteArray("\u0436") << QByteArray();
     }
 
+    /// Whatever fits is asked for, and refused, as the domain is none of the installation's.
     void domainMustFit()
     {
         QFETCH(QByteArray, name);
-        QTEST(write(name, "value", authorization), "started");
+        const Tree tree;
+        const int before = dup(STDERR_FILENO);
+        std::freopen(tree.path("messages").toUtf8(), "w", stderr);
+        const bool started = write(name, "value", authorization);
+        dup2(before, STDERR_FILENO);
+        close(before);
+        QVERIFY(!started);
+        const QByteArray folder = " /Library/Preferences/";
+        const QByteArray told = contentsOf(tree.path("messages"));
+        const QByteArray asked =
+            told.contains(folder) ? told.mid(told.indexOf(folder) + folder.size()) : QByteArray();
+        QTEST(asked.left(asked.indexOf('\n')), "asked");
     }
 
     void toolThatCannotStartIsTold()

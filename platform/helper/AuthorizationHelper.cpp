@@ -1,13 +1,16 @@
+#include "HelperFolders.h"
 #include "HelperPeer.h"
-#include "HelperProtocol.h"
+#include "HelperRules.h"
 #include "HelperTools.h"
 #include "platform/Descriptor.h"
 
+#include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
-#include <sys/socket.h>
+#include <grp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <syslog.h>
 
@@ -15,6 +18,9 @@
 // superuser, and ends when the installer lets go of the socket or dies.
 
 namespace {
+
+/// More than a mistake can come to; an attempt to find a way doesn't go on.
+constexpr int mostRefusals = 10;
 
 /// Fills a standard descriptor that came closed, so that nothing opened later takes its place.
 bool hasStandardDescriptors()
@@ -34,20 +40,18 @@ bool shedSurroundings()
     umask(022);
     for (int number = 1; number < NSIG; ++number)
         std::signal(number, SIG_DFL);
-    // Tools that have ended leave no zombies; a key typed in the installer's terminal is meant for the
-    // installer.
-    std::signal(SIGCHLD, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
+    // A key typed in the installer's terminal is meant for the installer.
     setsid();
     return chdir("/") == 0 && close_range(STDERR_FILENO + 1, ~0U, 0) == 0 && hasStandardDescriptors();
 }
 
-/// One line for the journal, whatever bytes the request holds.
-std::string printable(const HelperRequest &request)
+/// A line for the journal, whatever bytes it is made from. Longer than the longest path by what else there is
+/// to say.
+std::string printable(std::string line)
 {
-    std::string line = request.tool;
-    for (const std::string &argument : request.arguments)
-        line += " '" + argument + "'";
+    constexpr size_t longest = PATH_MAX + 512;
+    line = line.substr(0, longest);
     for (char &character : line) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte < ' ' || byte == 0x7F)
@@ -56,28 +60,67 @@ std::string printable(const HelperRequest &request)
     return line;
 }
 
-void answer(int socket, const std::string &refusal)
+/// The request in words, with the folder that it is about before the rest.
+std::string described(const HelperRequest &request, bool isAboutFolder)
 {
-    HelperReply reply;
-    reply.status = refusal.empty() ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
-    std::strncpy(reply.reason, refusal.c_str(), sizeof reply.reason - 1);
-    // Never waits for a peer that doesn't read: its death would go unseen.
-    send(socket, &reply, sizeof reply, MSG_NOSIGNAL | MSG_DONTWAIT);
+    std::vector<std::string> arguments = request.arguments;
+    if (isAboutFolder)
+        std::rotate(arguments.begin(), arguments.end() - 1, arguments.end());
+    std::string line = request.tool;
+    for (const std::string &argument : arguments)
+        line += " '" + argument + "'";
+    return line;
 }
 
-void handle(const HelperPeer &peer, const Packet &packet)
+/// Makes the command about a folder into one that no name can lead astray: with the folder, or for a new one
+/// that which is to hold it, as working folder. The result is empty, or says why it is refused.
+std::string bindToFolder(
+    HelperCommand &command, const HelperRule &rule, uid_t user, const HelperFolders &folders)
 {
-    HelperRequest request = parseRequest(packet.bytes.data(), packet.bytes.size());
-    if (!packet.refusal.empty())
-        request.refusal = packet.refusal;
-    if (request.refusal.empty()) {
-        syslog(LOG_NOTICE, "user %u runs %s", peer.user(), printable(request).c_str());
-        request.refusal = startTool(request, packet.descriptor.get());
+    const std::string path = command.arguments.back();
+    std::string refusal = pathRefusal(path);
+    if (!refusal.empty())
+        return refusal;
+    command.folder = folders.open(path, rule.folders, user, refusal);
+    if (rule.folders & New) {
+        // By the mask, which takes one system call. With -m the tool would go to the new folder's name once
+        // more.
+        command.mask = command.arguments[1] == "775" ? 002 : 022;
+        command.arguments = {path.substr(path.rfind('/') + 1)};
+    } else {
+        command.arguments.back() = ".";
     }
-    if (!request.refusal.empty())
-        syslog(LOG_WARNING, "user %u was refused: %s", peer.user(),
-            printable({request.refusal, {}, {}}).c_str());
-    answer(STDIN_FILENO, request.refusal);
+    return refusal;
+}
+
+/// Starts what the request asks for and waits for its end. The result is empty, or says why it was refused.
+std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFolders &folders)
+{
+    HelperCaller caller{peer.user()};
+    if (const group *admin = getgrnam("admin"))
+        caller.admin = admin->gr_gid;
+    const HelperRule *rule = ruleFor(request, caller);
+    if (!rule)
+        return "no installation needs " + described(request, false);
+    HelperCommand command;
+    command.tool = request.tool;
+    command.arguments = request.arguments;
+    command.folder = Descriptor(open("/", O_PATH | O_CLOEXEC));
+    const std::string description = described(request, rule->folders);
+    if (rule->folders) {
+        const std::string refusal = bindToFolder(command, *rule, caller.user, folders);
+        if (!refusal.empty())
+            return refusal + ": " + description;
+    }
+    syslog(LOG_NOTICE, "user %u runs %s", caller.user, printable(description).c_str());
+    HelperTool tool = startTool(command);
+    if (!tool.refusal.empty())
+        return tool.refusal;
+    peer.answer({}, tool.connection);
+    tool.connection.reset();
+    if (peer.waitForTool(tool.process) == 0 && rule->folders & New)
+        folders.remember(command.folder, command.arguments[0]);
+    return {};
 }
 
 } // namespace
@@ -85,15 +128,24 @@ void handle(const HelperPeer &peer, const Packet &packet)
 int main()
 {
     HelperPeer peer(STDIN_FILENO, std::getenv("PKEXEC_UID"));
+    // A disk that doesn't answer could hold this process where it doesn't see its peer's end.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (!shedSurroundings() || !peer.identify())
         return EXIT_FAILURE;
     openlog("lumetra-installer", LOG_PID, LOG_AUTHPRIV);
-    answer(STDIN_FILENO, {});
-    while (peer.waitForPacket()) {
+    peer.answer({}, Descriptor());
+    HelperFolders folders;
+    for (int refusals = 0; refusals < mostRefusals && peer.waitForPacket();) {
         const Packet packet = peer.receive();
-        if (packet.isEnd)
-            break;
-        handle(peer, packet);
+        const HelperRequest request = parseRequest(packet.bytes.data(), packet.bytes.size());
+        const std::string refusal = !packet.refusal.empty() ? packet.refusal
+            : !request.refusal.empty()                      ? request.refusal
+                                                            : serve(peer, request, folders);
+        if (refusal.empty())
+            continue;
+        syslog(LOG_WARNING, "user %u was refused: %s", peer.user(), printable(refusal).c_str());
+        peer.answer(refusal, Descriptor());
+        ++refusals;
     }
     return EXIT_SUCCESS;
 }

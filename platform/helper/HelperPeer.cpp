@@ -7,41 +7,34 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <vector>
+#include <sys/wait.h>
 
 namespace {
 
-/// Takes over the descriptors that came with a packet; true when its sender is the process.
-bool takeAncillaryData(msghdr &message, pid_t process, std::vector<Descriptor> &descriptors)
+bool isFrom(pid_t process, const msghdr &message)
 {
-    bool isFromProcess = false;
-    for (cmsghdr *header = CMSG_FIRSTHDR(&message); header; header = CMSG_NXTHDR(&message, header)) {
-        if (header->cmsg_level != SOL_SOCKET)
-            continue;
-        if (header->cmsg_type == SCM_CREDENTIALS) {
-            ucred sender{};
-            std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
-            isFromProcess = sender.pid == process;
-        } else if (header->cmsg_type == SCM_RIGHTS) {
-            for (size_t at = 0; at + sizeof(int) <= header->cmsg_len - CMSG_LEN(0); at += sizeof(int)) {
-                int number = -1;
-                std::memcpy(&number, CMSG_DATA(header) + at, sizeof number);
-                descriptors.emplace_back(number);
-            }
-        }
-    }
-    return isFromProcess;
+    const cmsghdr *header = CMSG_FIRSTHDR(&message);
+    if (!header || header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_CREDENTIALS)
+        return false;
+    ucred sender{};
+    std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
+    return sender.pid == process;
 }
 
-const char *refusalOf(const msghdr &message, bool isFromPeer, size_t descriptors)
+const char *refusalOf(const msghdr &message, pid_t process)
 {
-    if (!isFromPeer)
+    if (!isFrom(process, message))
         return "the request is another process's";
     if (message.msg_flags & MSG_TRUNC)
         return "the request is too large";
-    if (message.msg_flags & MSG_CTRUNC || descriptors != 1)
-        return "the request doesn't come with one descriptor";
+    if (message.msg_flags & MSG_CTRUNC)
+        return "the request comes with a descriptor";
     return "";
+}
+
+Descriptor lifetimeOf(pid_t process)
+{
+    return Descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
 }
 
 } // namespace
@@ -66,7 +59,7 @@ bool HelperPeer::identify()
         return false;
     process = credentials.pid;
     userId = credentials.uid;
-    lifetime = Descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+    lifetime = lifetimeOf(process);
     // Still this process's parent after the descriptor was had: so it is that process and none that got its
     // id later.
     return lifetime && getppid() == process
@@ -75,13 +68,7 @@ bool HelperPeer::identify()
 
 bool HelperPeer::waitForPacket() const
 {
-    // The socket alone isn't enough: a child of the process could have kept its end open.
-    pollfd sources[] = {{socket, POLLIN, 0}, {lifetime.get(), POLLIN, 0}};
-    int count = 0;
-    do {
-        count = poll(sources, 2, -1);
-    } while (count < 0 && errno == EINTR);
-    return count > 0 && sources[1].revents == 0;
+    return comesBeforeEnd(socket);
 }
 
 Packet HelperPeer::receive() const
@@ -89,8 +76,9 @@ Packet HelperPeer::receive() const
     Packet packet;
     packet.bytes.resize(largestRequest);
     iovec span{packet.bytes.data(), packet.bytes.size()};
-    constexpr size_t someDescriptors = 8;
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(ucred)) + CMSG_SPACE(someDescriptors * sizeof(int))];
+    // With no room for descriptors the kernel drops those that are sent. One that was taken over would have
+    // to be closed, and closing a file can wait for whoever serves it.
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(ucred))];
     msghdr message{};
     message.msg_iov = &span;
     message.msg_iovlen = 1;
@@ -98,18 +86,55 @@ Packet HelperPeer::receive() const
     message.msg_controllen = sizeof control;
     ssize_t length = 0;
     do {
-        length = recvmsg(socket, &message, MSG_CMSG_CLOEXEC);
+        length = recvmsg(socket, &message, 0);
     } while (length < 0 && errno == EINTR);
 
-    // An empty packet differs from the end in that it names its sender.
-    packet.isEnd = length < 0 || (length == 0 && message.msg_controllen == 0);
-    if (packet.isEnd)
-        return packet;
-    packet.bytes.resize(static_cast<size_t>(length));
-    std::vector<Descriptor> descriptors;
-    const bool isFromPeer = takeAncillaryData(message, process, descriptors);
-    packet.refusal = refusalOf(message, isFromPeer, descriptors.size());
-    if (descriptors.size() == 1)
-        packet.descriptor = std::move(descriptors.front());
+    packet.bytes.resize(length > 0 ? static_cast<size_t>(length) : 0);
+    packet.refusal = length < 0 ? std::strerror(errno) : refusalOf(message, process);
     return packet;
+}
+
+void HelperPeer::answer(const std::string &refusal, const Descriptor &connection) const
+{
+    HelperReply reply;
+    reply.status = refusal.empty() ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
+    std::strncpy(reply.reason, refusal.c_str(), sizeof reply.reason - 1);
+    iovec span{&reply, sizeof reply};
+    const int number = connection.get();
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof number)] = {};
+    msghdr message{};
+    message.msg_iov = &span;
+    message.msg_iovlen = 1;
+    if (connection) {
+        message.msg_control = control;
+        message.msg_controllen = sizeof control;
+        cmsghdr *header = CMSG_FIRSTHDR(&message);
+        header->cmsg_level = SOL_SOCKET;
+        header->cmsg_type = SCM_RIGHTS;
+        header->cmsg_len = CMSG_LEN(sizeof number);
+        std::memcpy(CMSG_DATA(header), &number, sizeof number);
+    }
+    // Never waits for a peer that doesn't read: its death would go unseen.
+    sendmsg(socket, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+std::optional<int> HelperPeer::waitForTool(pid_t tool) const
+{
+    const Descriptor end = lifetimeOf(tool);
+    int status = 0;
+    if (!comesBeforeEnd(end.get()) || waitpid(tool, &status, 0) != tool)
+        return std::nullopt;
+    return status;
+}
+
+/// Whether the descriptor becomes readable before the peer closes its end or dies.
+bool HelperPeer::comesBeforeEnd(int descriptor) const
+{
+    // The socket alone isn't enough: a child of the process could have kept its end open.
+    pollfd sources[] = {{descriptor, POLLIN, 0}, {socket, POLLRDHUP, 0}, {lifetime.get(), POLLIN, 0}};
+    int count = 0;
+    do {
+        count = poll(sources, 3, -1);
+    } while (count < 0 && errno == EINTR);
+    return count > 0 && !sources[1].revents && !sources[2].revents;
 }

@@ -2,18 +2,15 @@
 
 #include "platform/Descriptor.h"
 
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
 /// What one packet brought.
 struct Packet {
     std::string bytes;
-    Descriptor descriptor;
-    /// Why it can't be accepted: it was too large, came from another process or without exactly one
-    /// descriptor.
+    /// Why it can't be accepted: it was too large, came from another process or with a descriptor.
     std::string refusal;
-    /// There is none: the other end is closed.
-    bool isEnd = false;
 };
 
 /// The one process that this helper serves: its parent, at the other end of the socket.
@@ -27,11 +24,20 @@ public:
     bool identify();
     uid_t user() const { return userId; }
 
-    /// True when there is something to receive, false when the process has died.
+    /// True when there is something to receive, false when the process has died or closed its end.
     bool waitForPacket() const;
     Packet receive() const;
 
+    /// Answers a request: with the connection to the tool that was started, or with why none was.
+    void answer(const std::string &refusal, const Descriptor &connection) const;
+
+    /// Waits for the end of a tool; its status as waitpid gives it. No value when the process has died or
+    /// closed its end before.
+    std::optional<int> waitForTool(pid_t tool) const;
+
 private:
+    bool comesBeforeEnd(int descriptor) const;
+
     int socket;
     std::string expectedUser;
     pid_t process = 0;

@@ -6,8 +6,8 @@
 
 // The installer and its helper talk over a sequenced-packet socket, the helper's standard input. The helper
 // first says that it is ready, then answers each request. A request is one packet: the tool's path and its
-// arguments, each with its NUL, and with them the one descriptor that becomes the tool's standard input,
-// output and error.
+// arguments, each with its NUL. With the answer that the tool was started comes one descriptor, the other end
+// of the tool's standard input, output and error. The next request is looked at when the tool has ended.
 
 constexpr const char *helperName = "authorization-helper";
 

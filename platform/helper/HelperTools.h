@@ -1,8 +1,28 @@
 #pragma once
 
-#include "HelperRequest.h"
+#include "platform/Descriptor.h"
 
-/// Starts the tool that the request asks for, as this process's user, with nothing of this process but the
-/// one descriptor; it dies with this process. Returns an empty string when it was started, else why not: only
-/// five tools are run, and each only from its own place.
-std::string startTool(const HelperRequest &request, int connection);
+#include <string>
+#include <vector>
+
+/// A tool and what it is started with.
+struct HelperCommand {
+    /// As the installer names it.
+    std::string tool;
+    std::vector<std::string> arguments;
+    /// The working folder. Without one the tool isn't started.
+    Descriptor folder;
+    mode_t mask = 022;
+};
+
+/// A tool that runs, or why it couldn't be started.
+struct HelperTool {
+    std::string refusal;
+    pid_t process = -1;
+    /// The other end of its standard input, output and error.
+    Descriptor connection;
+};
+
+/// Starts the command as this process's user, with nothing of this process but its own end of a new
+/// connection; it dies with this process.
+HelperTool startTool(const HelperCommand &command);

@@ -3,6 +3,7 @@
 import os
 import plistlib
 import pwd
+import shutil
 import signal
 import subprocess
 from dataclasses import dataclass
@@ -89,14 +90,19 @@ def helpers_end():
 
 # Rights that are granted
 
-def copy(user):
-    agent = Agent(user.program.pid, PASSWORD)
-    to_prompt(user)
-    user.wait(user.box, "message box")
-    expect(rights.helpers(), [])
-    answer(user, TO_SHARING_PROMPT)
-    walks.see_end(user, READY)
-    expect(agent.prompts, 2)
+def copy(between=nothing, folder=None, is_member=False, said=()):
+    """`between` is done while the second notice stands; a member of the group admin isn't told to ask another."""
+    def steps(user):
+        agent = Agent(user.program.pid, PASSWORD)
+        to_prompt(user, TO_PROMPT[is_member:], folder)
+        user.wait(user.box, "message box")
+        expect(rights.helpers(), [])
+        between()
+        answer(user, TO_SHARING_PROMPT[is_member:])
+        walks.see_end(user, READY)
+        expect(agent.prompts, 2)
+        expect([text for text in said if text not in user.errors()], [])
+    return steps
 
 
 def installed(_, path=DEFAULT):
@@ -113,7 +119,7 @@ def installed_for_all(system):
     runs = [line.partition(asking)[2] for line in system.log if asking in line and line.startswith(authpriv_notice)]
     expect([run.split()[0] for run in runs],
            ["/bin/mkdir", "/usr/bin/chgrp", "/bin/mkdir", "/usr/sbin/chown", "/usr/bin/defaults", "/bin/chmod"])
-    expect(runs[-1], f"/bin/chmod '0775' '{DEFAULT}'")
+    expect(runs[-1], f"/bin/chmod '{DEFAULT}' '0775'")
 
 
 def install_policy():
@@ -124,6 +130,43 @@ def small_library():
     rights.mount("tmpfs", "/Library", "-t", "tmpfs")
     for folder in ("Application Support", "Preferences"):
         Path("/Library", folder).mkdir()
+
+
+# What others lay in the folders' places
+
+DISC = "/Volumes/Disc"
+PICKED = f"{DISC}/picked"
+SECRET = "/opt/secret"
+MISLED = f"'{PICKED}/Lumetra' '0775'", "fixupPrivileges: Unable to revert permission on directory"
+
+
+def disc_with_own_folder():
+    """The folder is the user's own, but nobody may write to it, so that rights are needed."""
+    rights.mount("tmpfs", folder(DISC), "-t", "tmpfs")
+    folder(PICKED, PLAIN, PLAIN)
+    rights.run("chown", PLAIN, DISC)
+    os.chmod(PICKED, 0o555)
+    os.chmod(folder(f"{SECRET}/Lumetra"), 0o700)
+
+
+def library_of_members():
+    small_library()
+    rights.run("usermod", "--append", "--groups", "admin", PLAIN)
+    os.chmod(folder(f"{SECRET}/Lumetra"), 0o700)
+
+
+def lay_link(place, target):
+    os.rename(place, f"{place}.away")
+    os.symlink(target, place)
+
+
+def lay_link_in_picked():
+    os.chmod(PICKED, 0o755)
+    lay_link(f"{PICKED}/Lumetra", f"{SECRET}/Lumetra")
+
+
+def kept(_):
+    expect(owner(f"{SECRET}/Lumetra"), ("root", "root", 0o700))
 
 
 # Rights that are refused
@@ -198,7 +241,13 @@ def kill_helpers_at_first_file():
 
 CASES = {
     "move": Case(attended(asked=SENTENCE), install_policy, installed_for_all),
-    "copy": Case(copy, small_library, installed_for_all),
+    "copy": Case(copy(), small_library, installed_for_all),
+    "copy_to_folder": Case(copy(folder=DISC), lambda: rights.mount("tmpfs", folder(DISC), "-t", "tmpfs", "-o", "mode=755"),
+                           lambda _: expect(owner(f"{DISC}/Lumetra"), (PLAIN, "admin", 0o775))),
+    "link_for_folder": Case(copy(lay_link_in_picked, PICKED, said=MISLED), disc_with_own_folder, kept),
+    "link_for_picked_folder": Case(copy(lambda: lay_link(PICKED, SECRET), PICKED, said=MISLED), disc_with_own_folder, kept),
+    "link_for_shared_folder": Case(copy(lambda: lay_link(DEFAULT, f"{SECRET}/Lumetra"), is_member=True, said=MISLED[1:]),
+                                   library_of_members, kept),
     "own_destination": Case(attended(TO_SHARING_PROMPT, folder=HOME),
                             after=lambda system: installed(system, f"{HOME}/Lumetra")),
     "system_folder": Case(attended(folder="/opt"), after=lambda system: installed(system, "/opt/Lumetra")),
@@ -279,25 +328,30 @@ def with_failing_tools():
     """A tool that can't be started fails its step; the last needs one that goes away between two steps."""
     probe = Probe(PASSWORD)
     tools = "/usr/bin"
+
+    def resource(code):
+        probe.expect(code, "resource", PARENT, "Lumetra")
+        shutil.rmtree(PARENT)
+
     rights.mount("/dev/null", f"{tools}/chown", "--bind")
-    probe.expect(2, "product", "/Library/one")
-    probe.expect(4, "resource", "/Library/two", "x")
+    probe.expect(2, "product", "/Library/Lumetra_1")
+    resource(4)
     rights.mount("/dev/null", f"{tools}/chgrp", "--bind")
-    probe.expect(2, "resource", "/Library/three", "x")
+    resource(2)
     rights.run("umount", f"{tools}/chgrp", f"{tools}/chown")
     Path(f"{tools}/chgrp").rename(f"{tools}/chgrp.whole")
     Path(f"{tools}/chgrp").write_text(f"#!/bin/sh\nchmod a-x {tools}/mkdir\n")
     os.chmod(f"{tools}/chgrp", 0o755)
-    probe.expect(3, "resource", "/Library/four", "x")
+    resource(3)
     Path(f"{tools}/chgrp.whole").rename(f"{tools}/chgrp")
     os.chmod(f"{tools}/mkdir", 0o755)
 
 
 def with_rights():
     probe = Probe(PASSWORD)
-    new, old = "/Library/new", folder("/Library/old", group="staff")
-    for path in (new, old):
-        probe.expect(0, "verify", path, "Lumetra")
-        expect((owner(path), owner(f"{path}/Lumetra")),
-               (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
+    for before in (nothing, lambda: folder(PARENT, group="staff")):
+        before()
+        probe.expect(0, "verify", PARENT, "Lumetra")
+        expect((owner(PARENT), owner(DEFAULT)), (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
+        shutil.rmtree(PARENT)
     expect(probe.agent.prompts, 1)

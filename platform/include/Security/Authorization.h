@@ -68,7 +68,8 @@ OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const Authoriza
 
 /// Starts a tool as root. The communications pipe, the caller's to close, is the tool's standard input,
 /// output and error; its end of file is the tool's end. errAuthorizationDenied: the reference holds no right.
-/// errAuthorizationToolExecuteFailure: not one of the known tools, or it can't be started.
+/// errAuthorizationToolExecuteFailure: no command that an installation needs, which a line on standard error
+/// gives the reason for, or the tool can't be started.
 /// errAuthorizationInternal: the right has ended by itself.
 OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, const char *pathToTool,
     AuthorizationFlags options, char *const *arguments, FILE **communicationsPipe);

@@ -1,0 +1,120 @@
+#include "HelperFolders.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr int openedFolder = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+/// As many as the kernel follows.
+constexpr int mostLinks = 40;
+/// An installation makes two.
+constexpr size_t mostFolders = 8;
+
+struct stat statusOf(const Descriptor &descriptor)
+{
+    struct stat status { };
+    if (fstat(descriptor.get(), &status) != 0)
+        status.st_uid = static_cast<uid_t>(-1);
+    return status;
+}
+
+/// The target of the link in the folder; empty when there is none, or when any but root could have put it
+/// there, by its rights to the link or by those to the folder.
+std::string targetOfRootsLink(const Descriptor &folder, const std::string &name)
+{
+    const Descriptor link(openat(folder.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    const struct stat way = statusOf(folder);
+    if (!link || statusOf(link).st_uid != 0 || way.st_uid != 0 || way.st_mode & (S_IWGRP | S_IWOTH))
+        return {};
+    char target[PATH_MAX];
+    const ssize_t length = readlinkat(link.get(), "", target, sizeof target);
+    return length > 0 ? std::string(target, static_cast<size_t>(length)) : std::string();
+}
+
+/// Opens a folder, one name after the other.
+Descriptor walk(std::string path, std::string &refusal)
+{
+    const auto root = [] { return Descriptor(open("/", openedFolder)); };
+    Descriptor folder = root();
+    int links = 0;
+    while (folder && !path.empty()) {
+        const size_t end = std::min(path.find('/'), path.size());
+        const std::string name = path.substr(0, end);
+        path.erase(0, end + 1);
+        if (name.empty())
+            continue;
+        Descriptor next(openat(folder.get(), name.c_str(), openedFolder));
+        const int failure = errno;
+        if (!next && failure == ENOTDIR) {
+            const std::string target = targetOfRootsLink(folder, name);
+            if (target.empty() || ++links > mostLinks) {
+                refusal = name + ", on the way to it, is no folder, and no link that only root can have made";
+                return Descriptor();
+            }
+            path.insert(0, target + "/");
+            if (target[0] == '/')
+                folder = root();
+            continue;
+        }
+        if (!next)
+            refusal = name + ", on the way to it: " + std::strerror(failure);
+        folder = std::move(next);
+    }
+    return folder;
+}
+
+bool isSame(const struct stat &one, const struct stat &other)
+{
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+} // namespace
+
+Descriptor HelperFolders::open(
+    const std::string &path, unsigned kinds, uid_t caller, std::string &refusal) const
+{
+    const size_t slash = path.rfind('/');
+    Descriptor parent = walk(path.substr(0, slash), refusal);
+    if (!parent)
+        return parent;
+    if (kinds & New) {
+        if (made.size() < mostFolders)
+            return parent;
+        refusal = "more folders than an installation makes";
+        return Descriptor();
+    }
+    Descriptor folder(openat(parent.get(), path.c_str() + slash + 1, openedFolder));
+    if (!folder) {
+        refusal = std::strerror(errno);
+        return folder;
+    }
+    const bool isAllowed = (kinds & Made && isMade(folder)) || (kinds & Shared && isShared(path))
+        || (kinds & Own && statusOf(folder).st_uid == caller);
+    if (isAllowed)
+        return folder;
+    refusal = "the folder is none of the installation's";
+    return Descriptor();
+}
+
+void HelperFolders::remember(const Descriptor &parent, const std::string &name)
+{
+    Descriptor folder(openat(parent.get(), name.c_str(), openedFolder));
+    std::error_code failure;
+    const bool isEmpty =
+        std::filesystem::is_empty("/proc/self/fd/" + std::to_string(folder.get()), failure) && !failure;
+    if (folder && isEmpty && statusOf(folder).st_uid == 0)
+        made.push_back(std::move(folder));
+}
+
+bool HelperFolders::isMade(const Descriptor &folder) const
+{
+    const struct stat status = statusOf(folder);
+    return std::any_of(
+        made.begin(), made.end(), [&](const Descriptor &one) { return isSame(statusOf(one), status); });
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "HelperRules.h"
+#include "platform/Descriptor.h"
+
+#include <vector>
+
+/// The folders that the helper's commands are about, each opened once, so that what was judged is what the
+/// tool works on, whatever others do to its name. Paths are such that pathRefusal allows.
+class HelperFolders {
+public:
+    /// Opens the folder itself, which must be one of the kinds, or for New the one to make it in. No link in
+    /// its own place is followed, and on the way to it only one that nobody but root can have made. Empty,
+    /// with a reason, when that can't be.
+    Descriptor open(const std::string &path, unsigned kinds, uid_t caller, std::string &refusal) const;
+
+    /// Takes note of a folder that mkdir has made in the open one. What isn't empty or root's has been put in
+    /// its place since.
+    void remember(const Descriptor &parent, const std::string &name);
+
+private:
+    bool isMade(const Descriptor &folder) const;
+
+    /// Held open: no other folder can get the number of one of them.
+    std::vector<Descriptor> made;
+};

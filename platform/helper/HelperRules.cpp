@@ -1,0 +1,86 @@
+#include "HelperRules.h"
+
+#include <algorithm>
+#include <climits>
+#include <string_view>
+
+namespace {
+
+constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
+constexpr char list[] = "/Library/Preferences/com.brindle.CorvaneLumetra";
+constexpr char key[] = "LumetraFullDatabasePath";
+
+constexpr HelperRule rules[] = {
+    {"/bin/mkdir", {"-m", "755", "<folder>"}, New},
+    {"/bin/mkdir", {"-m", "775", "<folder>"}, New},
+    {"/usr/bin/chgrp", {"<admin>", "<folder>"}, Made | Shared},
+    {"/usr/sbin/chown", {"<user>", "<folder>"}, Made},
+    {"/usr/sbin/chown", {"<user>:<admin>", "<folder>"}, Made},
+    {"/usr/sbin/chown", {"-h", "<user>", "<folder>"}, Made},
+    {"/usr/sbin/chown", {"-h", "<user>:<admin>", "<folder>"}, Made},
+    {"/bin/chmod", {"0775", "<folder>"}, Made | Shared | Own},
+    {"/usr/bin/defaults", {"write", list, key, "<value>"}},
+    {"/usr/bin/defaults", {"delete", list, key}},
+};
+
+bool fits(std::string_view word, const std::string &argument, const HelperCaller &caller)
+{
+    const std::string user = std::to_string(caller.user);
+    if (word == "<folder>")
+        return true;
+    if (word == "<value>")
+        return !argument.empty() && argument.size() < PATH_MAX;
+    if (word == "<user>")
+        return argument == user;
+    if (word == "<admin>")
+        return caller.admin && argument == std::to_string(*caller.admin);
+    if (word == "<user>:<admin>")
+        return caller.admin && argument == user + ":" + std::to_string(*caller.admin);
+    return argument == word;
+}
+
+/// "Lumetra", or that with "_" and a number.
+bool isDatabaseName(std::string_view name)
+{
+    constexpr std::string_view plain = "Lumetra";
+    if (name.substr(0, plain.size()) != plain)
+        return false;
+    name.remove_prefix(plain.size());
+    return name.empty()
+        || (name.size() > 1 && name[0] == '_' && name.find_first_not_of("0123456789", 1) == name.npos);
+}
+
+} // namespace
+
+const HelperRule *ruleFor(const HelperRequest &request, const HelperCaller &caller)
+{
+    const auto isKept = [&](const HelperRule &rule) {
+        const auto end = std::find(std::begin(rule.arguments), std::end(rule.arguments), nullptr);
+        return request.tool == rule.tool
+            && std::equal(std::begin(rule.arguments), end, request.arguments.begin(), request.arguments.end(),
+                [&](const char *word, const std::string &argument) { return fits(word, argument, caller); });
+    };
+    const auto rule = std::find_if(std::begin(rules), std::end(rules), isKept);
+    return rule == std::end(rules) ? nullptr : rule;
+}
+
+std::string pathRefusal(const std::string &path)
+{
+    if (path.empty() || path[0] != '/' || path.size() >= PATH_MAX)
+        return "the path isn't absolute, or too long";
+    for (size_t at = 0; at < path.size();) {
+        const size_t end = std::min(path.find('/', at + 1), path.size());
+        const std::string part = path.substr(at + 1, end - at - 1);
+        if (part.empty() || part == "." || part == "..")
+            return "the path isn't plain";
+        at = end;
+    }
+    if (path != productFolder && !isDatabaseName(path.substr(path.rfind('/') + 1)))
+        return "the folder is none that an installation makes";
+    return {};
+}
+
+bool isShared(const std::string &path)
+{
+    return path == productFolder || path == std::string(productFolder) + "/Lumetra";
+}

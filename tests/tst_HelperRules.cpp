@@ -1,0 +1,86 @@
+#include "Fixture.h"
+
+#include "platform/helper/HelperProtocol.h"
+#include "platform/helper/HelperRules.h"
+
+class tst_HelperRules : public QObject {
+    Q_OBJECT
+
+private slots:
+    void onlyWellFormedRequestsAreAccepted()
+    {
+        const QByteArray nul(1, '\0'), mkdir = "/bin/mkdir" + nul, argument = "a" + nul;
+        const QByteArray longest(int(largestRequest) - mkdir.size() - 1, 'x');
+        const QByteArrayList good{
+            mkdir + argument, mkdir + argument.repeated(mostArguments), mkdir + longest + nul};
+        const QByteArrayList bad{"", nul + argument, mkdir, "bin/mkdir" + nul + argument, mkdir + "cut off",
+            mkdir + argument.repeated(mostArguments + 1), mkdir + longest + "x" + nul};
+        for (QByteArray packet : good + bad) {
+            // In memory of its exact size, where a sanitizer sees what is read past it.
+            const std::vector<char> bytes(packet.begin(), packet.end());
+            const bool accepted = parseRequest(bytes.data(), bytes.size()).refusal.empty();
+            QVERIFY2(accepted == good.contains(packet), packet.left(50).replace('\0', ' '));
+        }
+    }
+
+    void onlyWhatAnInstallationNeedsIsAllowed_data()
+    {
+        QTest::addColumn<QString>("words");
+        QTest::addColumn<bool>("isAllowed");
+        const QString longest = "/" + QString(4086, 'x') + "/Lumetra";
+        const QString list = "/Library/Preferences/com.brindle.CorvaneLumetra|LumetraFullDatabasePath";
+        const QString product = "/Library/Application Support/Brindlewerks";
+        const QStringList allowed{"/bin/mkdir|-m|775|" + product, "/bin/mkdir|-m|755|" + longest,
+            "/usr/bin/chgrp|27|" + product, "/usr/sbin/chown|1000:27|/a b/Lumetra",
+            "/usr/sbin/chown|-h|1000|/a/Lumetra_0", "/usr/sbin/chown|-h|1000:27|/a/Lumetra_120",
+            "/bin/chmod|0775|/Lumetra", "/usr/bin/defaults|delete|" + list,
+            "/usr/bin/defaults|write|" + list + "|" + longest};
+        for (const QString &words : allowed)
+            QTest::newRow(words.left(80).toUtf8()) << words << true;
+        const QStringList refused{"/bin/sh|-c|id", "mkdir|-m|755|/a/Lumetra",
+            "/bin/../bin/mkdir|-m|755|/a/Lumetra", "/bin/mkdir |-m|755|/a/Lumetra",
+            "/usr/bin/mkdir|-m|755|/a/Lumetra", "/bin/mkdir|/a/Lumetra", "/bin/mkdir|-m|777|/a/Lumetra",
+            "/bin/mkdir|-p|-m|755|/a/Lumetra", "/bin/mkdir|-m|755|/a/Lumetra|/etc",
+            "/bin/mkdir|-m|755|/a/x" + longest, "/bin/mkdir|-m|755|a/Lumetra", "/bin/mkdir|-m|755|",
+            "/bin/mkdir|-m|755|/a//Lumetra", "/bin/mkdir|-m|755|/a/./Lumetra",
+            "/bin/mkdir|-m|755|/a/../Lumetra", "/bin/mkdir|-m|755|/a/Lumetra/",
+            "/bin/mkdir|-m|755|/a/Lumetra_", "/bin/mkdir|-m|755|/a/Lumetra_1x",
+            "/bin/mkdir|-m|755|/a/xLumetra", "/bin/mkdir|-m|755|/a/Brindlewerks",
+            "/bin/mkdir|-m|755|" + product + "/x", "/usr/bin/chgrp|0|/a/Lumetra",
+            "/usr/bin/chgrp|-1|/a/Lumetra", "/usr/bin/chgrp|27|/etc",
+            "/usr/bin/chgrp|--reference=/etc|/a/Lumetra", "/usr/sbin/chown|0|/a/Lumetra",
+            "/usr/sbin/chown|root|/a/Lumetra", "/usr/sbin/chown|1000:0|/a/Lumetra",
+            "/usr/sbin/chown|:27|/a/Lumetra", "/usr/sbin/chown|1000:|/a/Lumetra",
+            "/usr/sbin/chown|-R|1000|/a/Lumetra", "/usr/sbin/chown|1000|/etc/shadow",
+            "/bin/chmod|4755|/a/Lumetra", "/bin/chmod|0775|/etc", "/bin/chmod|-R|0775|/a/Lumetra",
+            "/usr/bin/defaults|write|/etc/cron.d/x|a|b", "/usr/bin/defaults|write|" + list,
+            "/usr/bin/defaults|write|" + list + "|", "/usr/bin/defaults|write|" + list + "|a|b",
+            "/usr/bin/defaults|write|" + list + "x|a", "/usr/bin/defaults|read|" + list,
+            "/usr/bin/defaults|delete|" + list + "|a"};
+        for (const QString &words : refused)
+            QTest::newRow(words.left(80).toUtf8()) << words << false;
+    }
+
+    void onlyWhatAnInstallationNeedsIsAllowed()
+    {
+        QFETCH(const QString, words);
+        HelperRequest request;
+        for (const QString &word : words.split('|'))
+            request.arguments.push_back(word.toStdString());
+        request.tool = request.arguments.front();
+        request.arguments.erase(request.arguments.begin());
+        const HelperRule *rule = ruleFor(request, {1000, 27});
+        const bool isAllowed = rule && (!rule->folders || pathRefusal(request.arguments.back()).empty());
+        QTEST(isAllowed, "isAllowed");
+    }
+
+    void withoutTheGroupNoneIsGiven()
+    {
+        QVERIFY(!ruleFor({"/usr/bin/chgrp", {"-1", "/Lumetra"}, {}}, {1000, {}}));
+        QVERIFY(!ruleFor({"/usr/sbin/chown", {"1000:-1", "/Lumetra"}, {}}, {1000, {}}));
+        QVERIFY(ruleFor({"/usr/sbin/chown", {"1000", "/Lumetra"}, {}}, {1000, {}}));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_HelperRules)
+#include "tst_HelperRules.moc"
