@@ -122,6 +122,12 @@ def installed_for_all(system):
     expect(runs[-1], f"/bin/chmod '{DEFAULT}' '0775'")
 
 
+def installed_for_own_group(system):
+    installed(system)
+    expect((owner(PARENT), owner(DEFAULT)), (("root", "root", 0o775), (PLAIN, "root", 0o775)))
+    expect([line for line in system.log if "was refused" in line], [])
+
+
 def install_policy():
     rights.run(f"{CHECKOUT}/scripts/setup", "--policy", BUNDLE)
 
@@ -248,6 +254,7 @@ CASES = {
     "link_for_picked_folder": Case(copy(lambda: lay_link(PICKED, SECRET), PICKED, said=MISLED), disc_with_own_folder, kept),
     "link_for_shared_folder": Case(copy(lambda: lay_link(DEFAULT, f"{SECRET}/Lumetra"), is_member=True, said=MISLED[1:]),
                                    library_of_members, kept),
+    "no_admin_group": Case(attended(), lambda: rights.run("groupdel", "admin"), installed_for_own_group),
     "own_destination": Case(attended(TO_SHARING_PROMPT, folder=HOME),
                             after=lambda system: installed(system, f"{HOME}/Lumetra")),
     "system_folder": Case(attended(folder="/opt"), after=lambda system: installed(system, "/opt/Lumetra")),
