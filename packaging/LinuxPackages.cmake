@@ -13,6 +13,8 @@ configure_file(com.brindle.lumetra-installer.policy.in com.brindle.lumetra-insta
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/com.brindle.lumetra-installer.policy"
     DESTINATION share/polkit-1/actions COMPONENT bundle)
 
+include(${CMAKE_CURRENT_SOURCE_DIR}/DesktopFiles.cmake)
+
 # Debian asks every package for its changes and its copyright.
 set(SHORT_NAME ${CPACK_PACKAGE_NAME})
 set(doc_folder share/doc/${CPACK_PACKAGE_NAME})

@@ -1,0 +1,16 @@
+# What a desktop finds the installer by. Qt names windows after the command, so the desktop entry has to have its name, too:
+# that is how a desktop knows whose window it shows.
+set(command ${CPACK_PACKAGE_NAME})
+
+file(CREATE_LINK "../${bundle_folder}/MacOS/${BUNDLE_NAME}" "${CMAKE_CURRENT_BINARY_DIR}/${command}" SYMBOLIC)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${command}" DESTINATION bin COMPONENT bundle)
+
+configure_file(desktop-entry.in ${command}.desktop @ONLY)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${command}.desktop" DESTINATION share/applications COMPONENT bundle)
+
+set(icons share/icons/hicolor)
+foreach(size IN ITEMS 48 128 256)
+    install(FILES icons/${size}.png DESTINATION ${icons}/${size}x${size}/apps RENAME ${command}.png COMPONENT bundle)
+endforeach()
+install(FILES "${CMAKE_SOURCE_DIR}/resources/images/app.svg"
+    DESTINATION ${icons}/scalable/apps RENAME ${command}.svg COMPONENT bundle)
