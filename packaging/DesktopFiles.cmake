@@ -14,3 +14,9 @@ foreach(size IN ITEMS 48 128 256)
 endforeach()
 install(FILES "${CMAKE_SOURCE_DIR}/resources/images/app.svg"
     DESTINATION ${icons}/scalable/apps RENAME ${command}.svg COMPONENT bundle)
+
+include(${CMAKE_CURRENT_SOURCE_DIR}/ReleaseNotes.cmake)
+string(TIMESTAMP RELEASE_DAY "%Y-%m-%d" UTC)
+set(metainfo com.brindle.LumetraDatabaseInstaller.metainfo.xml)
+configure_file(metainfo.xml.in ${metainfo} @ONLY)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${metainfo}" DESTINATION share/metainfo COMPONENT bundle)

@@ -1,0 +1,16 @@
+# Sets RELEASE_NOTES to what CHANGELOG.md lists for this version: one line of XML, <li>…</li>, for each item.
+file(READ "${CMAKE_SOURCE_DIR}/CHANGELOG.md" notes)
+string(REPLACE "." "\\." version "${PROJECT_VERSION}")
+if(NOT notes MATCHES "\n## \\[?${version}[] \n].*")
+    message(FATAL_ERROR "CHANGELOG.md has no section for ${PROJECT_VERSION}")
+endif()
+string(SUBSTRING "${CMAKE_MATCH_0}" 1 -1 notes)
+string(FIND "${notes}" "\n## " end)
+string(SUBSTRING "${notes}" 0 ${end} notes)
+
+string(REGEX REPLACE "\n  +" " " notes "${notes}")
+string(REGEX REPLACE "\n[^-\n][^\n]*" "" notes "\n${notes}")
+string(REPLACE "&" "&amp;" notes "${notes}")
+string(REPLACE "<" "&lt;" notes "${notes}")
+string(REGEX REPLACE "\n+- ([^\n]*)" "\n          <li>\\1</li>" notes "${notes}")
+string(STRIP "${notes}" RELEASE_NOTES)
