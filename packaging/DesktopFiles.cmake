@@ -1,5 +1,5 @@
-# What a desktop finds the installer by. Qt names windows after the command, so the desktop entry has to have its name, too:
-# that is how a desktop knows whose window it shows.
+# What desktops and terminals find the installer by. Qt names its windows after the command; a desktop entry of the same
+# name is how a desktop knows whose windows they are.
 set(command ${CPACK_PACKAGE_NAME})
 
 file(CREATE_LINK "../${bundle_folder}/MacOS/${BUNDLE_NAME}" "${CMAKE_CURRENT_BINARY_DIR}/${command}" SYMBOLIC)
@@ -20,3 +20,7 @@ string(TIMESTAMP RELEASE_DAY "%Y-%m-%d" UTC)
 set(metainfo com.brindle.LumetraDatabaseInstaller.metainfo.xml)
 configure_file(metainfo.xml.in ${metainfo} @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${metainfo}" DESTINATION share/metainfo COMPONENT bundle)
+
+configure_file(manual-page.in ${command}.1 @ONLY)
+execute_process(COMMAND gzip -9nf ${command}.1 WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}" COMMAND_ERROR_IS_FATAL ANY)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${command}.1.gz" DESTINATION share/man/man1 COMPONENT bundle)
