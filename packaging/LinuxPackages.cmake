@@ -22,6 +22,8 @@ string(TIMESTAMP RELEASE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 string(TIMESTAMP RELEASE_YEAR "%Y" UTC)
 configure_file(debian-changelog.in changelog @ONLY)
 configure_file(debian-copyright.in copyright @ONLY)
+configure_file(debian-postinst.in postinst @ONLY)
+configure_file(debian-postrm.in postrm @ONLY)
 execute_process(COMMAND gzip -9nf changelog WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}" COMMAND_ERROR_IS_FATAL ANY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/changelog.gz" "${CMAKE_CURRENT_BINARY_DIR}/copyright"
     DESTINATION ${doc_folder} COMPONENT debian)
@@ -38,4 +40,7 @@ set(CPACK_POST_BUILD_SCRIPTS "${CMAKE_CURRENT_SOURCE_DIR}/ReproducibleArchive.cm
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS pkexec)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_BINARY_DIR}/postinst" "${CMAKE_CURRENT_BINARY_DIR}/postrm")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# No installation is recorded without an administrator's rights.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, pkexec")
