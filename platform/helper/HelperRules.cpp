@@ -68,7 +68,9 @@ std::string pathRefusal(const std::string &path)
 {
     if (path.empty() || path[0] != '/' || path.size() >= PATH_MAX)
         return "the path isn't absolute, or too long";
-    for (size_t at = 0; at < path.size();) {
+    // A folder picked in the root is "//Lumetra".
+    const bool isInRoot = path.rfind('/') == 1;
+    for (size_t at = isInRoot ? 1 : 0; at < path.size();) {
         const size_t end = std::min(path.find('/', at + 1), path.size());
         const std::string part = path.substr(at + 1, end - at - 1);
         if (part.empty() || part == "." || part == "..")

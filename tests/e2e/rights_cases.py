@@ -257,6 +257,7 @@ CASES = {
     "no_admin_group": Case(attended(), lambda: rights.run("groupdel", "admin"), installed_for_own_group),
     "own_destination": Case(attended(TO_SHARING_PROMPT, folder=HOME),
                             after=lambda system: installed(system, f"{HOME}/Lumetra")),
+    "root_folder": Case(attended(folder="/"), after=lambda system: installed(system, "//Lumetra")),
     "system_folder": Case(attended(folder="/opt"), after=lambda system: installed(system, "/opt/Lumetra")),
     "refused_folder": Case(attended(CANCELLED, NOT_WRITABLE, 0, "/opt"), after=untouched),
     "wrong_password": Case(refused("wrong", -60005, 1), after=untouched),
