@@ -69,6 +69,14 @@ private slots:
         }
     }
 
+    void emptyFileIsFilled()
+    {
+        tree->file("new/folder/org.example.plist", "");
+        QVERIFY(defaults("read", "a").isNull());
+        QCOMPARE(defaults("write", "a", {"b"}), QByteArray(""));
+        QCOMPARE(defaults("read", "a"), QByteArray("b\n"));
+    }
+
     void symbolicLinkIsNeitherFollowedNorReplaced()
     {
         const QString target = tree->path("target");

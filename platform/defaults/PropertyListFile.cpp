@@ -64,6 +64,9 @@ PropertyListFile readFrom(int descriptor)
     }
     if (length > largestPropertyList)
         return problem(PropertyListFile::Unreadable, "is too large for a property list");
+    // A loss of power leaves an empty file, which holds no more than none.
+    if (length == 0)
+        return problem(PropertyListFile::Missing, "is empty");
     bytes.resize(length);
     return parsed(bytes);
 }

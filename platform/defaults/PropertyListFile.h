@@ -14,6 +14,7 @@ using PropertyList = std::unique_ptr<void, PropertyListDeleter>;
 
 /// A file's dictionary, or why there is none.
 struct PropertyListFile {
+    /// An empty file is missing, too.
     enum Problem { None, Missing, Unreadable, NotAPropertyList };
 
     PropertyList list;
