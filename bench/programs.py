@@ -14,7 +14,6 @@ PROGRAMS = BUILD / "bench"
 BUNDLE = BUILD / "Lumetra Database Installer.app"
 INSTALLER = "Contents/MacOS/Lumetra Database Installer"
 
-sys.dont_write_bytecode = True
 sys.path.insert(0, str(ROOT / "scripts"))
 from sandbox.screen import Screen  # noqa: E402
 from sandbox.world import BUNDLE_FOLDER, BUNDLE_NAME, DATABASE, World  # noqa: E402

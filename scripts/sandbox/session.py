@@ -6,7 +6,6 @@ import subprocess
 import sys
 from pathlib import Path
 
-sys.dont_write_bytecode = True
 sys.path[:0] = [str(Path(__file__).resolve().parent.parent)]
 
 from sandbox import database

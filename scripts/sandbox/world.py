@@ -71,7 +71,7 @@ class World:
             command += ["--ro-bind", place, inside]
         for place, inside in (writable or {}).items():
             command += ["--bind", place, inside]
-        settings = environment() | {"HOME": HOME, "XDG_RUNTIME_DIR": "/run/user", "PYTHONDONTWRITEBYTECODE": "1"}
+        settings = environment() | {"HOME": HOME, "XDG_RUNTIME_DIR": "/run/user"}
         if display:
             command += _display_mounts()
             settings |= {name: os.environ[name] for name in ("DISPLAY", "XAUTHORITY") if name in os.environ}

@@ -162,7 +162,7 @@ def possible():
 
 def run(case, *places):
     """Runs a case in a namespace of its own."""
-    done = subprocess.run([*namespace(), sys.executable, "-B", __file__, json.dumps(asdict(case)), *places],
+    done = subprocess.run([*namespace(), sys.executable, __file__, json.dumps(asdict(case)), *places],
                           capture_output=True, check=False)
     if done.returncode:
         return {"wrong": ["the world can't be laid: " + done.stderr.decode(errors="replace")[-500:]]}
