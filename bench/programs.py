@@ -1,7 +1,7 @@
 """Runs what is measured, once, and says what it took."""
 
+import ctypes
 import json
-import os
 import re
 import subprocess
 import sys
@@ -9,22 +9,16 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-BUILD = ROOT / "build/release"
-PROGRAMS = BUILD / "bench"
-BUNDLE = BUILD / "Lumetra Database Installer.app"
-INSTALLER = "Contents/MacOS/Lumetra Database Installer"
+BUNDLE = ROOT / "build/release/Lumetra Database Installer.app"
+INSTALLER = BUNDLE / "Contents/MacOS/Lumetra Database Installer"
+WORKERS = ROOT / "build/release/bench/bench_workers"
+BARE = ROOT / "build/release/bench/bench_bare"
+DRIVER = ROOT / "build/release/tests/faults_driver"
+# Of the X protocol.
+SUBSTRUCTURE_NOTIFY_MASK, MAP_NOTIFY = 1 << 19, 19
 
-sys.path.insert(0, str(ROOT / "scripts"))
-from sandbox.screen import Screen  # noqa: E402
-from sandbox.world import BUNDLE_FOLDER, BUNDLE_NAME, DATABASE, World  # noqa: E402
-
-WORLD_PLUGINS = "/opt/plugins"
-DESTINATION = "/Library/Application Support/Brindlewerks/Lumetra"
-
-
-def build():
-    for step in (["cmake", "--preset", "release"], ["cmake", "--build", "--preset", "release", "--target", "bench"]):
-        subprocess.run(step, cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
+sys.path.append(str(ROOT / "tests/faults"))
+import world  # noqa: E402
 
 
 def seconds_of(*command):
@@ -33,10 +27,9 @@ def seconds_of(*command):
     return time.monotonic() - begin
 
 
-def worker(*arguments):
-    """One run of a worker of the installer, as it ships, in a program without windows."""
-    output = subprocess.run([PROGRAMS / "bench_workers", *map(str, arguments)], check=True, stdout=subprocess.PIPE)
-    return json.loads(output.stdout)
+def figures(*command):
+    """What a program without windows says of itself: the installer's own workers, as they ship, or the bare ones."""
+    return json.loads(subprocess.check_output([str(part) for part in command]))
 
 
 def find(source):
@@ -51,66 +44,40 @@ def shell_loop(tool, source, destination):
 
 def system_calls(source):
     """How often a scan makes each system call."""
-    summary = subprocess.run(["strace", "-f", "-c", PROGRAMS / "bench_workers", "scan", source], check=True,
+    summary = subprocess.run(["strace", "-f", "-c", WORKERS, "scan", source], check=True,
                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True).stderr
     return {name: int(count) for count, name in re.findall(r"^ *\S+ +\S+ +\S+ +(\d+) +(?:\d+ +)?(\w+)$", summary, re.M)}
 
 
-def copy_in_memory(root, source, size):
-    """The seconds in which one `cp -p` copies the files of `source` to a disk of that size in memory, in a world.
-
-    Begins as late as the wizard does: a virtual machine takes free memory away after a while, and gives it back slowly.
-    """
-    world = World(root, BUNDLE, library_size=size, mounts={source: DATABASE})
-    world.lay()
-    timed = 'sleep 3; begin=$(date +%s%N); /bin/cp -p "$0"/*/* "$1"; echo $(($(date +%s%N) - begin))'
-    nanoseconds = subprocess.check_output(world.command("sh", "-c", timed, DATABASE, "/Library"))
-    world.remove()
-    return int(nanoseconds) / 1e9
+def longest_gap(**what):
+    """How long the event loop stood still in a walk through the whole wizard, in milliseconds."""
+    case = world.Case("gap", seconds=600, **what)
+    seen = world.run(case, str(DRIVER), str(BUNDLE / "Contents"), "")
+    if wrong := world.faults_of(case, seen):
+        raise RuntimeError("; ".join(wrong))
+    return seen["gap"]
 
 
-class Desktop:
-    """A screen that nobody sees, on which the installer as it ships is started and walked through."""
-
-    def __init__(self):
-        self._screen = Screen()
-
-    def close(self):
-        self._screen.close()
-
-    def start(self, program):
-        """Starts the program up to its first painted window."""
-        environment = os.environ | self._observed("start", PROGRAMS / "plugins")
-        environment["BENCH_STARTED"] = str(time.monotonic_ns())
-        return self._answer([program], environment)
-
-    def walk(self, root, source, move=False, task="walk", in_memory=None):
-        """Installs `source` with the default answers in a world under `root`: its workers' seconds and gaps.
-
-        As "scan" it ends before it has installed anything. Moved, the source is gone afterwards. `in_memory` is the
-        size in bytes of a disk in memory for the destination.
-        """
-        world = World(root, BUNDLE, mounts={PROGRAMS / "plugins": WORLD_PLUGINS}, library_size=in_memory)
-        world.lay()
-        world.path(DESTINATION).mkdir(parents=True)
-        if move:
-            source.rename(world.path(DATABASE))
-        else:
-            world.mounts[source] = DATABASE
-        os.environ["DISPLAY"] = self._screen.name
-        observed = (f"{name}={value}" for name, value in self._observed(task, WORLD_PLUGINS).items())
-        command = world.command("env", *observed, f"{BUNDLE_FOLDER}/{BUNDLE_NAME}/{INSTALLER}", display=True)
-        answer = self._answer(command, os.environ)
-        world.remove()
-        if task == "walk" and answer["outcome"] != "Database Installed":
-            raise RuntimeError(f"the installer ended with: {answer['outcome']}")
-        return answer
-
-    def _observed(self, task, plugins):
-        return {"DISPLAY": self._screen.name, "QT_PLUGIN_PATH": str(plugins),
-                "QT_QPA_GENERIC_PLUGINS": f"observer:{task}"}
-
-    def _answer(self, command, environment):
-        output = subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                env=environment, timeout=1800)
-        return json.loads(output.stdout.splitlines()[0])
+def start(program):
+    """The seconds from the program's start until the display shows its window, and its memory in kB a while later."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    display = ctypes.c_void_p(x11.XOpenDisplay(None))
+    x11.XSelectInput(display, x11.XDefaultRootWindow(display), SUBSTRUCTURE_NOTIFY_MASK)
+    x11.XSync(display, False)
+    event = (ctypes.c_int * 48)()
+    begin = time.monotonic()
+    with subprocess.Popen([program], stderr=subprocess.DEVNULL) as running:
+        while event[0] != MAP_NOTIFY:
+            if x11.XPending(display):
+                x11.XNextEvent(display, event)
+            elif running.poll() is not None:
+                raise RuntimeError(f"{program} ended with status {running.returncode}")
+            else:
+                time.sleep(0.0005)
+        seconds = time.monotonic() - begin
+        time.sleep(0.5)
+        status = Path(f"/proc/{running.pid}/status").read_text()
+        running.kill()
+    x11.XCloseDisplay(display)
+    return {"seconds": seconds, "resident": int(re.search(r"VmRSS:\s+(\d+)", status)[1])}

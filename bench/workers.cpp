@@ -36,15 +36,19 @@ int scan(const QString &source)
 {
     const size_t before = heapInUse();
     double seconds;
-    quint64 bytes = 0;
     {
         SizeThread worker(nullptr, source);
-        QObject::connect(&worker, &SizeThread::pathSize, qApp,
-            [&bytes](const QString &, quint64 total) { bytes = total; });
         seconds = secondsOf(worker);
     }
-    std::printf("{\"seconds\": %.6f, \"files\": %d, \"bytes\": %llu, \"heap\": %zu}\n", seconds,
-        sResultList.size(), static_cast<unsigned long long>(bytes), heapInUse() - before);
+    const size_t after = heapInUse();
+    QFileInfoList bare;
+    bare.reserve(sResultList.size());
+    for (const QFileInfo &file : qAsConst(sResultList)) {
+        const QString path = file.filePath();
+        bare += QFileInfo(QString(path.constData(), path.size()));
+    }
+    std::printf("{\"seconds\": %.6f, \"files\": %d, \"heap\": %zu, \"bare\": %zu}\n", seconds,
+        sResultList.size(), after - before, heapInUse() - after);
     return 0;
 }
 
@@ -68,13 +72,12 @@ int install(const QString &source, const QString &destination, int count, bool m
             sinceFirst.start();
         if (index != count)
             return;
-        further = static_cast<double>(sinceFirst.nsecsElapsed()) / 1e9 / (count - 1);
+        further = static_cast<double>(sinceFirst.nsecsElapsed()) / 1e9;
         worker.requestInterruption();
     };
     QObject::connect(&worker, &CopyThread::copiedFile, &worker, countFile, Qt::DirectConnection);
     const double seconds = secondsOf(worker);
-    std::printf("{\"seconds\": %.6f, \"further\": %.6f, \"files\": %d, \"listed\": %d}\n", seconds, further,
-        done, sResultList.size());
+    std::printf("{\"seconds\": %.6f, \"further\": %.6f}\n", seconds, further);
     return done == count ? 0 : 1;
 }
 
