@@ -9,7 +9,7 @@ from pathlib import Path
 sys.path[:0] = [str(Path(__file__).resolve().parent.parent)]
 
 from sandbox import database
-from sandbox.user import PROGRAM, Unexpected, User
+from sandbox.user import ON_DISPLAY, PROGRAM, Unexpected, User
 from sandbox.world import DATABASE, PREFERENCE, World
 
 SAMPLE_SIZE = 120_000_000
@@ -57,7 +57,8 @@ def open_session(bundle, source=None):
         pictures.mkdir(exist_ok=True)
         for old in pictures.glob("*.png"):
             old.unlink()
-        status = subprocess.call(world.command("/usr/bin/python3", SCRIPT, writable={pictures.resolve(): PICTURES}))
+        status = subprocess.call(world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT,
+                                               writable={pictures.resolve(): PICTURES}))
         print("Pictures of the pages are in build/pictures.")
     fault = f"the installer ended with status {status}" if status else end(world, wanted)
     if fault:

@@ -1,6 +1,7 @@
 """A scripted user of the installer: an assistive-technology client that finds things as a screen reader does.
 
-Runs in a world (world.py) and knows nothing of the code, only roles, names and texts.
+Runs on a display of its own (ON_DISPLAY) in a world (world.py), and knows nothing of the code, only roles, names and
+texts.
 """
 
 import os
@@ -8,12 +9,13 @@ import subprocess
 import tempfile
 import time
 
-from .screen import Screen
 from .world import BUNDLE_FOLDER, BUNDLE_NAME
 
 PROGRAM = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}/Contents/MacOS/Lumetra Database Installer"
 BOX_TITLE = "Lumetra Database Installer Install"
 LIMIT = 60
+# Runs the command that follows on a display that nobody sees.
+ON_DISPLAY = ("xvfb-run", "-a", "-s", "-screen 0 1024x768x24 -noreset")
 
 
 class Unexpected(Exception):
@@ -26,15 +28,13 @@ class User:
     def __init__(self, say, pictures=None):
         self._say = say
         self.pictures = pictures
-        self.screen = Screen()
-        os.environ |= {"DISPLAY": self.screen.name, "XDG_RUNTIME_DIR": tempfile.mkdtemp(),
-                       "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+        os.environ |= {"XDG_RUNTIME_DIR": tempfile.mkdtemp(), "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
         self._bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
                                      stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._bus.stdout.readline().strip()
         self.program = subprocess.Popen([PROGRAM], stderr=open("/tmp/stderr", "w"))
         # The toolkit joins only an accessibility bus that comes up after it, so its window must stand first.
-        self.wait(lambda: not self.screen.is_blank(), "a window")
+        self.wait(_display_windows, "a window")
         global pyatspi, Atspi, GLib
         import pyatspi
         from gi.repository import Atspi, GLib
@@ -44,7 +44,6 @@ class User:
         for process in (self.program, self._bus):
             process.kill()
             process.wait()
-        self.screen.close()
 
     def errors(self):
         """What the installer wrote to standard error so far."""
@@ -137,8 +136,7 @@ class User:
 
     def type(self, key):
         """Presses a key in the uppermost window, to which no window manager gives the keys here."""
-        windows = subprocess.check_output(["xdotool", "search", "--onlyvisible", "--name", "."], text=True).split()
-        subprocess.run(["xdotool", "windowfocus", "--sync", windows[-1], "key", key], check=True)
+        subprocess.run(["xdotool", "windowfocus", "--sync", _display_windows()[-1], "key", key], check=True)
 
     def focus(self, role, name):
         """Goes to a control with the Tab key alone."""
@@ -187,7 +185,8 @@ class User:
             boxes = [_box(window) for window in self.windows()]
             left, top = min(box[0] for box in boxes), min(box[1] for box in boxes)
             right, bottom = max(box[0] + box[2] for box in boxes), max(box[1] + box[3] for box in boxes)
-            self.screen.picture(f"{self.pictures}/{name}.png", (left, top, right - left, bottom - top))
+            area = f"{right - left}x{bottom - top}+{left}+{top}"
+            subprocess.run(["import", "-window", "root", "-crop", area, f"{self.pictures}/{name}.png"], check=True)
 
     def _ready(self, role, name, within=None):
         def ready():
@@ -213,6 +212,12 @@ def _shows(item):
 def _box(item):
     area = item.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
     return area.x, area.y, area.width, area.height
+
+
+def _display_windows():
+    """The windows that the display shows, the uppermost last."""
+    search = ["xdotool", "search", "--onlyvisible", "--name", "."]
+    return subprocess.run(search, stdout=subprocess.PIPE, text=True, check=False).stdout.split()
 
 
 def _bus_error():
