@@ -129,7 +129,7 @@ def installed_for_own_group(system):
 
 
 def install_policy():
-    rights.run(f"{CHECKOUT}/scripts/setup", "--policy", BUNDLE)
+    rights.run(f"{CHECKOUT}/scripts/install-policy", BUNDLE)
 
 
 def small_library():
