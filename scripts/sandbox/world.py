@@ -86,7 +86,8 @@ class World:
 
     def _add_account(self, kind, name, record):
         lines = Path("/etc", kind).read_text().splitlines()
-        lines = [line for line in lines if not line.startswith(name + ":")] + [f"{name}:{record}"]
+        # First: for an ordinary user, the group has root's number.
+        lines = [f"{name}:{record}", *(line for line in lines if not line.startswith(name + ":"))]
         self._account_file(kind).write_text("\n".join(lines) + "\n")
 
     def _identity(self):
