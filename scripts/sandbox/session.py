@@ -100,7 +100,7 @@ def walk(user):
 
 
 def walk_inside():
-    user = User(say=print, pictures=PICTURES)
+    user = User(PICTURES)
     try:
         return walk(user)
     except Unexpected as fault:

@@ -6,16 +6,17 @@ texts.
 
 import os
 import subprocess
-import tempfile
 import time
+
+from gi.repository import Atspi, GLib
 
 from .world import BUNDLE_FOLDER, BUNDLE_NAME
 
 PROGRAM = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}/Contents/MacOS/Lumetra Database Installer"
 BOX_TITLE = "Lumetra Database Installer Install"
 LIMIT = 60
-# Runs the command that follows on a display that nobody sees.
-ON_DISPLAY = ("xvfb-run", "-a", "-s", "-screen 0 1024x768x24 -noreset")
+# Runs the command that follows on a display that nobody sees, with a session bus.
+ON_DISPLAY = ("xvfb-run", "-a", "-s", "-screen 0 1024x768x24 -noreset", "dbus-run-session", "--")
 
 
 class Unexpected(Exception):
@@ -23,27 +24,21 @@ class Unexpected(Exception):
 
 
 class User:
-    """Starts the installer and works it. `say` gets a line for every page and box on the way."""
+    """Starts the installer and works it."""
 
-    def __init__(self, say, pictures=None):
-        self._say = say
+    def __init__(self, pictures=None):
         self.pictures = pictures
-        os.environ |= {"XDG_RUNTIME_DIR": tempfile.mkdtemp(), "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
-        self._bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
-                                     stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._bus.stdout.readline().strip()
-        self.program = subprocess.Popen([PROGRAM], stderr=open("/tmp/stderr", "w"))
-        # The toolkit joins only an accessibility bus that comes up after it, so its window must stand first.
+        environment = os.environ | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+        self.program = subprocess.Popen([PROGRAM], env=environment, stderr=open("/tmp/stderr", "w"))
+        # Qt joins only an accessibility bus that comes up after it, so its window must stand first.
         self.wait(_display_windows, "a window")
-        global pyatspi, Atspi, GLib
+        global pyatspi
         import pyatspi
-        from gi.repository import Atspi, GLib
         self.wait(lambda: self.frame() is not None, "the window on the accessibility bus")
 
     def close(self):
-        for process in (self.program, self._bus):
-            process.kill()
-            process.wait()
+        self.program.kill()
+        self.program.wait()
 
     def errors(self):
         """What the installer wrote to standard error so far."""
@@ -90,7 +85,7 @@ class User:
         return (self.texts() or [""])[0]
 
     def say(self, *texts):
-        self._say("  ".join(" ".join(text.split()) for text in texts))
+        print("  ".join(" ".join(text.split()) for text in texts), flush=True)
 
     def content(self, name):
         """The whole text of the document that shows under the name."""
@@ -106,7 +101,7 @@ class User:
         while True:
             try:
                 value = condition()
-            except (OSError, RuntimeError, _bus_error()):
+            except (OSError, RuntimeError, GLib.Error):
                 value = None
             if value:
                 return value
@@ -218,7 +213,3 @@ def _display_windows():
     """The windows that the display shows, the uppermost last."""
     search = ["xdotool", "search", "--onlyvisible", "--name", "."]
     return subprocess.run(search, stdout=subprocess.PIPE, text=True, check=False).stdout.split()
-
-
-def _bus_error():
-    return GLib.GError if "GLib" in globals() else OSError
