@@ -1,10 +1,7 @@
-"""The trees of files that are measured on, made once under build/bench and kept, and the disk that is written to."""
+"""The trees of files that are measured on, made once under build/bench and kept."""
 
 import os
 import shutil
-import subprocess
-import tempfile
-from contextlib import contextmanager
 from pathlib import Path
 
 PLACE = Path(__file__).resolve().parent.parent / "build/bench"
@@ -35,20 +32,6 @@ def emptied(place):
     shutil.rmtree(place, ignore_errors=True)
     place.mkdir(parents=True)
     return place
-
-
-@contextmanager
-def memory_disk():
-    """A folder in memory: a disk writes behind, so that the same copy takes one second or eight."""
-    superuser = os.geteuid() == 0
-    with tempfile.TemporaryDirectory(dir=None if superuser else "/dev/shm") as place:
-        if superuser:
-            subprocess.run(["mount", "-t", "tmpfs", "none", place], check=True)
-        try:
-            yield Path(place)
-        finally:
-            if superuser:
-                subprocess.run(["umount", place], check=True)
 
 
 def _file(path, size, filled):
