@@ -57,7 +57,7 @@ class User:
         for application in desktop:
             if application and application.get_process_id() == self.program.pid:
                 application.set_cache_mask(Atspi.Cache.NONE)
-                found += [window for window in application if window and _shows(window)]
+                found += [window for window in application if _is(window, pyatspi.STATE_SHOWING)]
         return found
 
     def frame(self):
@@ -92,8 +92,7 @@ class User:
         return self.find("label", name).queryText().getText(0, -1)
 
     def enabled(self, name, role="push button"):
-        control = self.find(role, name)
-        return control is not None and control.getState().contains(pyatspi.STATE_SENSITIVE)
+        return _is(self.find(role, name), pyatspi.STATE_SENSITIVE)
 
     def wait(self, condition, what, limit=LIMIT):
         """Waits until the condition holds and returns its value; Unexpected when it never does."""
@@ -147,8 +146,7 @@ class User:
         self.wait(lambda: self.focused(role, name), f"focus on {name!r}")
 
     def focused(self, role, name):
-        control = self.find(role, name)
-        return control is not None and control.getState().contains(pyatspi.STATE_FOCUSED)
+        return _is(self.find(role, name), pyatspi.STATE_FOCUSED)
 
     def tick(self, name):
         """Clicks a check box with the mouse."""
@@ -177,16 +175,12 @@ class User:
     def picture(self, name):
         """Saves a picture of the installer's windows, when pictures are wanted."""
         if self.pictures:
-            boxes = [_box(window) for window in self.windows()]
-            left, top = min(box[0] for box in boxes), min(box[1] for box in boxes)
-            right, bottom = max(box[0] + box[2] for box in boxes), max(box[1] + box[3] for box in boxes)
-            area = f"{right - left}x{bottom - top}+{left}+{top}"
-            subprocess.run(["import", "-window", "root", "-crop", area, f"{self.pictures}/{name}.png"], check=True)
+            subprocess.run(["import", "-window", "root", "-trim", f"{self.pictures}/{name}.png"], check=True)
 
     def _ready(self, role, name, within=None):
         def ready():
             control = self.find(role, name, within() if within else None)
-            return control if control and control.getState().contains(pyatspi.STATE_SENSITIVE) else None
+            return control if _is(control, pyatspi.STATE_SENSITIVE) else None
         return self.wait(ready, f"{name!r} to press")
 
     def _all(self, role, name, within):
@@ -194,14 +188,14 @@ class User:
         if within is None:
             return
         for child in within:
-            if child and _shows(child):
+            if _is(child, pyatspi.STATE_SHOWING):
                 if child.getRoleName() == role and (name is None or child.name == name):
                     yield child
                 yield from self._all(role, name, child)
 
 
-def _shows(item):
-    return item.getState().contains(pyatspi.STATE_SHOWING)
+def _is(item, state):
+    return item is not None and item.getState().contains(state)
 
 
 def _box(item):
