@@ -9,25 +9,23 @@
 class tst_CopyThread : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<Tree> tree;
-
-    static void byCopyOrMove()
+private slots:
+    void filesArriveAndAreCounted_data()
     {
         QTest::addColumn<bool>("move");
         QTest::newRow("copy") << false;
         QTest::newRow("move") << true;
     }
 
-    /// Installs four files, two of one name, and gives back what the worker reported.
-    QString reportOfInstallation()
+    void filesArriveAndAreCounted()
     {
         QFETCH(bool, move);
         sCopyFiles = move;
-        tree = std::make_unique<Tree>();
+        const Tree tree;
         sResultList.clear();
         for (const QString name : {"a.zqin", "-f \n%1 \"é'.zqin", "same.zqin", "sub/same.zqin"})
-            sResultList << tree->file("source/" + name, name.toUtf8());
-        CopyThread worker(nullptr, tree->folder("destination"));
+            sResultList << tree.file("source/" + name, name.toUtf8());
+        CopyThread worker(nullptr, tree.folder("destination"));
         QString report;
         connect(&worker, &CopyThread::copyResult, &worker,
             [&](int code, QString text) { report += QString::number(code) + ' ' + text + '\n'; });
@@ -35,34 +33,17 @@ class tst_CopyThread : public QObject {
             [&](int done) { report += QString::number(done) + '\n'; });
         connect(&worker, &CopyThread::finished, &worker, [&] { report += "finished"; });
         worker.start();
-        if (!QTest::qWaitFor([&] { return report.endsWith("finished"); }, patience))
-            qFatal("the worker doesn't end");
-        return report;
-    }
-
-private slots:
-    void everyFileIsReported_data() { byCopyOrMove(); }
-
-    void everyFileIsReported()
-    {
-        QCOMPARE(reportOfInstallation(),
+        QTRY_COMPARE_WITH_TIMEOUT(report,
             QString("-100 The source database data files couldn't be found.\n0 \n1\n0 \n2\n0 \n3\n0 \n4\n"
-                    "finished"));
-    }
-
-    void filesArrive_data() { byCopyOrMove(); }
-
-    void filesArrive()
-    {
-        reportOfInstallation();
-        QFETCH(bool, move);
+                    "finished"),
+            patience);
+        QCOMPARE(QDir(tree.path("destination")).entryList(QDir::Files | QDir::Hidden).size(), 3);
         for (const QFileInfo &file : sResultList) {
             QCOMPARE(QFile::exists(file.filePath()), !move);
-            const QByteArray contents = contentsOf(tree->path("destination/" + file.fileName()));
+            const QByteArray contents = contentsOf(tree.path("destination/" + file.fileName()));
             QVERIFY2(contents.endsWith(file.fileName().toUtf8()), qPrintable(file.fileName()));
         }
-        QCOMPARE(QDir(tree->path("destination")).entryList(QDir::Files | QDir::Hidden).size(), 3);
-        QCOMPARE(contentsOf(tree->path("destination/same.zqin")), QByteArray("sub/same.zqin"));
+        QCOMPARE(contentsOf(tree.path("destination/same.zqin")), QByteArray("sub/same.zqin"));
     }
 
     void unfinishedDestinationIsMarked_data()
@@ -75,10 +56,10 @@ private slots:
     void unfinishedDestinationIsMarked()
     {
         QFETCH(bool, interrupted);
-        tree = std::make_unique<Tree>();
+        const Tree tree;
         sCopyFiles = false;
-        sResultList = {tree->file("a.zqin"), interrupted ? tree->file("b.zqin") : tree->path("gone.zqin")};
-        CopyThread worker(nullptr, tree->folder("destination"));
+        sResultList = {tree.file("a.zqin"), interrupted ? tree.file("b.zqin") : tree.path("gone.zqin")};
+        CopyThread worker(nullptr, tree.folder("destination"));
         connect(
             &worker, &CopyThread::copiedFile, &worker,
             [&](int done) {
@@ -88,25 +69,25 @@ private slots:
             Qt::DirectConnection);
         worker.start();
         QVERIFY(worker.wait(patience));
-        QVERIFY(QFile::exists(unfinishedMark(tree->path("destination"))));
+        QVERIFY(QFile::exists(unfinishedMark(tree.path("destination"))));
     }
 
-    void filesInPlaceStayAsTheyAre_data() { byCopyOrMove(); }
+    void filesInPlaceStayAsTheyAre_data() { filesArriveAndAreCounted_data(); }
 
     /// An installed database that is only to be recorded.
     void filesInPlaceStayAsTheyAre()
     {
         QFETCH(bool, move);
-        tree = std::make_unique<Tree>();
+        const Tree tree;
         sCopyFiles = move;
-        sResultList = {tree->file("installed/a.zqin", "1"), tree->file("installed/b.zqin", "2")};
-        CopyThread worker(nullptr, tree->path("installed"));
+        sResultList = {tree.file("installed/a.zqin", "1"), tree.file("installed/b.zqin", "2")};
+        CopyThread worker(nullptr, tree.path("installed"));
         QSignalSpy results(&worker, &CopyThread::copyResult);
         worker.start();
         QVERIFY(worker.wait(patience));
         QTRY_COMPARE(results.size(), 3);
         QCOMPARE(results.last(), (QList<QVariant>{0, QString()}));
-        QCOMPARE(contentsOf(tree->path("installed/a.zqin")), QByteArray("1"));
+        QCOMPARE(contentsOf(tree.path("installed/a.zqin")), QByteArray("1"));
     }
 };
 

@@ -6,7 +6,7 @@
 class tst_LogSwitch : public QObject {
     Q_OBJECT
 
-    const Tree tree;
+    Tree tree;
     const QString logFile = tree.path("a \"log\" é");
 
 private slots:

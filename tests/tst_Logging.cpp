@@ -10,7 +10,7 @@
 class tst_Logging : public QObject {
     Q_OBJECT
 
-    const Tree tree;
+    Tree tree;
     const QString logFile = tree.file("a \"log\" é", "from before\n");
 
     /// Has a process of its own write a log of more than a FIFO holds. False when that takes too long.

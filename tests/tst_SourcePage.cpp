@@ -10,7 +10,7 @@
 class tst_SourcePage : public QObject {
     Q_OBJECT
 
-    const Tree tree;
+    Tree tree;
     const QString location = QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../../../Lumetra");
 
     /// Presses the button as soon as it can be and picks a folder of the tree, or none.
