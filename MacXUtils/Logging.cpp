@@ -61,9 +61,8 @@ void copyLogLocation(const std::string &key, char *location, CFIndex size)
     CFRelease(value);
 }
 
-/// As fopen with "a+", but never waits: a FIFO that nobody reads isn't opened, and lines that find one full
-/// are lost. Nothing is read from the log, and a FIFO opened for that too would have a reader in this
-/// process.
+/// Like fopen with "a+", but never blocks: a FIFO without a reader fails to open, and lines are lost while
+/// one is full. Write-only, because opening a FIFO for reading too would make this process its reader.
 FILE *openForAppending(const char *path)
 {
     const int descriptor = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0666);

@@ -20,7 +20,7 @@ void noteSignal(int)
     const int previousError = errno;
     sReceived = 1;
     const char byte = 0;
-    // The pipe is full only when the event loop has enough to read already.
+    // If the pipe is full, the event loop has enough to read already.
     if (write(sPipe[1], &byte, 1) < 0)
         errno = previousError;
 }
@@ -51,7 +51,7 @@ TerminationSignals::TerminationSignals()
     connect(notifier, &QSocketNotifier::activated, this, &TerminationSignals::announce);
     for (int number : endingSignals)
         setHandler(number, noteSignal);
-    // Who reads the messages may go away, but an installation isn't left half done for it.
+    // A closed standard error is no reason to leave an installation half done.
     setHandler(SIGPIPE, SIG_IGN);
 }
 

@@ -53,7 +53,7 @@ std::string octal(mode_t mode)
     return text;
 }
 
-/// Without the group "admin" the steps that are about it are left out.
+/// Steps that need the group "admin" are left out where there is none.
 bool isKnown(gid_t group)
 {
     return group != static_cast<gid_t>(-1);
@@ -149,8 +149,8 @@ int32_t createResourceDirectoryWithRights(const char *parent, const char *path, 
 
 int32_t establishPrivsForSetup()
 {
-    // A session that is ending closes the boxes, and a screen reader presses Cancel also beneath them: asked
-    // anew after each.
+    // Checked again after each box: an ending session closes it, and a screen reader can press Cancel behind
+    // it.
     if (gPromptsDeclined || (!isUserInGroup("admin") && !acceptsOtherAdministrator()) || gPromptsDeclined)
         return 1;
     installInfoDialog(gPrivilegeReason.toUtf8().constData());

@@ -47,6 +47,7 @@ int32_t createResourceDirectory(const char *parent, const char *name);
 /// can't be read or the joined path takes more than 4095 bytes.
 int32_t verifyResourceDirectory(const char *parent, const char *name);
 
-/// Creates the folder at `path` as the superuser, mode 0755, and gives it to the user and the group "admin". One
-/// that exists, and a link, stay as they are. False when there is no authorization or a tool can't be started.
+/// Creates the folder at `path` as the superuser, mode 0755, and gives it to the user and the group "admin".
+/// One that exists, and a link, stay as they are. False when there is no authorization or a tool can't be
+/// started.
 bool createPickedDirectory(const char *path);

@@ -5,11 +5,11 @@
 
 /// What the steps with administrator rights have in common. Main thread only.
 
-/// Obtains the rights if there is no reference yet. False when they were refused, or declined before within
-/// the same OneAnswer.
+/// Obtains the rights if there is no reference yet. Returns false if they were refused, or declined earlier
+/// within the same OneAnswer.
 bool haveAuthority();
 
-/// While one lives, a user who has declined isn't asked again.
+/// While one exists, a user who has declined isn't asked again.
 class OneAnswer {
 public:
     OneAnswer();
@@ -23,5 +23,5 @@ bool runPrivileged(const char *tool, const std::vector<std::string> &arguments);
 /// The same, but logs `failure`, filled with the arguments, when the tool can't be started.
 bool runOrLog(const char *tool, const std::vector<std::string> &arguments, const char *failure);
 
-/// `text` with the words in the places of its %s, of which it has no fewer.
+/// `text` with its first %s replaced by the first word, and so on. It has one for each word.
 std::string filled(std::string text, const std::vector<std::string> &words);

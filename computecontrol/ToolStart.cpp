@@ -1,7 +1,7 @@
 #include "ToolStart.h"
 
-// On Linux the toolkit overlooks that making the process failed: the tool seems to run with the process id
-// -1, and to kill it, as its destructor does as well, would kill every process of the user.
+// Works around Qt 5.15 on Linux: if fork fails, QProcess stays running with the process id -1, and kill(),
+// which its destructor calls, would signal every process of the user.
 bool startTool(QProcess &tool, const QString &program, const QStringList &arguments)
 {
     tool.start(program, arguments);

@@ -2,8 +2,8 @@
 
 #include <QProcess>
 
-/// Keeps the computer from going to sleep by itself, with the system's own tool, which ends with this object
-/// and within a second of the process. That it can't isn't told. Main thread only.
+/// Keeps the computer from going to sleep by itself, using the system's own tool. The tool ends with this
+/// object, and within a second of the process's end. Failures are ignored. Main thread only.
 class KeepAwake {
 public:
     KeepAwake();

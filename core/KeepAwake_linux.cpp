@@ -2,8 +2,8 @@
 
 #include "computecontrol/ToolStart.h"
 
-// The inhibition holds as long as the process that systemd-inhibit runs: cat, which reads from this one and
-// so ends with it, even if it is killed.
+// systemd-inhibit holds for as long as the command that it runs. cat reads from this process, so it ends with
+// it, even if it is killed.
 KeepAwake::KeepAwake()
 {
     tool.setStandardOutputFile(QProcess::nullDevice());

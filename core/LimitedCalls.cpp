@@ -19,9 +19,9 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-/// Far more than a sleeping disk takes to spin up.
+/// The limit that people are asked to wait for a disk that is gone.
 constexpr milliseconds limit(5000);
-/// How soon a request to end is noticed.
+/// Until a request to end is noticed.
 constexpr milliseconds slice(50);
 
 struct Answer {
@@ -32,7 +32,7 @@ struct Answer {
     int error = ETIMEDOUT;
 };
 
-/// `call` owns all that it touches, since it may outlive the caller.
+/// `call` must own everything that it touches, since it may outlive the caller.
 int withinLimit(const std::function<int()> &call)
 {
     const auto answer = std::make_shared<Answer>();

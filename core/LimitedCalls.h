@@ -7,9 +7,9 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 
-/// The system's calls of these names for the main thread, which a disk that no longer answers would hold up:
-/// each runs on a thread of its own. Silence for 5 seconds, or until the process is asked to end, is a
-/// failure with errno ETIMEDOUT; the thread is then left behind.
+/// System calls for the main thread, which a disk that no longer answers would block for good. Each runs on a
+/// thread of its own. If it takes 5 seconds, or the process is asked to end, it fails with errno ETIMEDOUT
+/// and the thread is left behind.
 namespace limited {
 
 int access(const std::string &path, int mode);

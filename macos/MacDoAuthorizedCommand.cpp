@@ -7,9 +7,9 @@ AuthorizationRef gMacAuthorizationRef = nullptr;
 
 namespace {
 
-/// Holds SIGCHLD back from this thread. Qt's handler, in place once the first QProcess has run, lets a read
-/// that it comes between fail, and that inside the system's call would pass for a tool that couldn't be
-/// started.
+/// Blocks SIGCHLD in this thread. Qt's handler, installed with the first QProcess, lacks SA_RESTART: it would
+/// make reads fail with EINTR, and a read inside the system's call would be reported as a tool that can't
+/// start.
 class NoChildSignals {
 public:
     NoChildSignals()

@@ -29,11 +29,11 @@
 namespace {
 
 constexpr int failure = -100;
-/// How long a worker that was asked to stop may take, in milliseconds: a little more than it gives a tool
-/// that hangs. After it the worker itself is held up, by a disk that no longer answers.
+/// Milliseconds to wait for a worker that was asked to stop: a little longer than it waits for a hanging
+/// tool. A worker that takes longer is itself stuck on a disk that no longer answers.
 constexpr int stopLimit = 35000;
 
-/// What the user is told before the password is asked for, with the purpose in the installer's words.
+/// The text shown before the password dialog.
 QString privilegeReason(const char *purpose)
 {
     return QStringLiteral("Lumetra Database Installer"
@@ -45,7 +45,7 @@ QString privilegeReason(const char *purpose)
         .arg(QLatin1String(purpose));
 }
 
-/// Whether the path leads to a folder into which the user can write.
+/// Whether `folder` is a folder that the user can write to.
 bool canBeFilled(const std::string &folder)
 {
     struct stat status;
@@ -62,7 +62,7 @@ QColor textOver(const QColor &colour)
     return luminance > 0.18 ? Qt::black : Qt::white;
 }
 
-/// Makes the bar's text stand out from the theme's colour, from which many a theme's own doesn't.
+/// Makes the bar's text legible: many themes pick a text colour too close to the bar's.
 void colourText(QProgressBar *bar, const QPalette &theme)
 {
     QPalette colours;
@@ -109,7 +109,7 @@ void ConclusionPage::setVisible(bool visible)
     path = field(QStringLiteral("path")).toString();
     if (path.isEmpty())
         path = QLatin1String(defaultDestination);
-    // Emptying the mandatory field makes the wizard look at its buttons again and keep Finish disabled.
+    // Emptying the mandatory field makes QWizard update its buttons, which keeps Finish disabled.
     setField(QStringLiteral("path"), QString());
     QTimer::singleShot(1000, this, &ConclusionPage::doCopy);
 }
@@ -150,8 +150,8 @@ void ConclusionPage::doCopy()
         handleResult();
 }
 
-/// Sees to it that the destination exists and can be written. False when that failed, with errCode and errMsg
-/// set.
+/// Makes sure that the destination exists and can be written. On failure returns false and sets errCode and
+/// errMsg.
 bool ConclusionPage::prepareDestination()
 {
     const auto failed = [this](const QString &text) {
@@ -171,14 +171,14 @@ bool ConclusionPage::prepareDestination()
             return failed(QStringLiteral(
                 "Lumetra Database Installer was not able to write the database to the selected location."));
         }
-        // Administrator rights aren't held through a long copy; a move is over at once.
+        // Don't hold administrator rights during a long copy. A move is over at once.
         if (gMacAuthorizationRef && !sCopyFiles)
             freeAuthority(&gMacAuthorizationRef);
     }
     return canBeFilled(folder) || failed(noAccess);
 }
 
-/// Rights are asked for only where they are what is missing.
+/// Asks for administrator rights only if they would help.
 bool ConclusionPage::makePickedFolder(const std::string &folder)
 {
     if (limited::mkdir(folder, 0755) == 0)
@@ -204,8 +204,8 @@ void ConclusionPage::handleResult()
 {
     if (complete)
         return;
-    // A screen reader reaches the buttons also while the prompt below stands: Cancel goes before it, and Done
-    // comes after it, since the wizard still finds the page incomplete here.
+    // A screen reader can press the wizard's buttons even while the prompt below is open, so Cancel goes
+    // first. Done stays disabled until the field "path" is set.
     wizard()->setOption(QWizard::NoCancelButton);
     complete = true;
     keepAwake.reset();

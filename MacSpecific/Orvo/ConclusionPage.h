@@ -17,16 +17,16 @@ class ConclusionPage : public QWizardPage {
 
 public:
     explicit ConclusionPage(QWidget *parent = nullptr);
-    /// Stops a running installation and waits for its end, unless the disk holds it up.
+    /// Stops a running installation and waits for it, unless it is stuck on a disk.
     ~ConclusionPage() override;
 
     void setVisible(bool visible) override;
     bool isComplete() const override;
     int nextId() const override;
 
-    /// Asks a running installation to stop, after which the page shows that as the outcome, at the latest
-    /// when the worker doesn't answer. False when none runs: it hasn't begun, and then won't any more once
-    /// the page is hidden, or its outcome is shown.
+    /// Asks a running installation to stop; the page then shows the outcome, even if the worker doesn't
+    /// answer. Returns false if none is running: either it hasn't begun, and won't once the page is hidden,
+    /// or its outcome is shown. From here on no prompt is shown.
     bool stopInstallation();
 
 private slots:
@@ -50,6 +50,6 @@ private:
     QProgressBar *progressBar;
     CopyThread *copyThread = nullptr;
     std::unique_ptr<KeepAwake> keepAwake;
-    /// How far the installation has come; `complete` tells whether its outcome is shown.
+    /// `complete` tells whether the outcome is shown.
     enum { Waiting, Running, Stopped } stage = Waiting;
 };

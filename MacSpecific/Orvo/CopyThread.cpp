@@ -15,10 +15,10 @@
 namespace {
 
 constexpr int failure = -100;
-/// How soon an interruption is noticed, in milliseconds.
+/// Milliseconds until an interruption is noticed.
 constexpr int slice = 50;
-/// How long a running move may take once the installation was interrupted: a rename takes none of it, and
-/// only a tool that hangs all of it.
+/// Milliseconds that a running move gets to finish after an interruption. A rename needs none of it, so
+/// longer is a hang.
 constexpr int moveGrace = 30000;
 
 QString errorSuffix(QProcess::ProcessError error)
@@ -77,7 +77,7 @@ void CopyThread::unpriviledgedCopy()
         removeUnfinishedMark(path);
 }
 
-/// Runs the tool for one file. False when the file failed, which has been reported then, or was interrupted.
+/// Runs the tool for one file. Returns false if it failed, which is then reported, or was interrupted.
 bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString &file)
 {
     const PartWrittenFile destination(file, path);
@@ -102,7 +102,7 @@ bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString 
         emit copyResult(failure, message);
         return false;
     }
-    // Whatever the exit code, a tool that says nothing has done its work.
+    // The exit code doesn't count: a tool that says nothing has succeeded.
     const QByteArray complaint = tool.readAllStandardError();
     if (complaint.isEmpty())
         return true;
@@ -114,8 +114,8 @@ bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString 
     return false;
 }
 
-/// Waits for the tool without a limit, in slices so that an interruption is noticed. False when the wait
-/// failed, the tool crashed or has to be killed.
+/// Waits for the tool without a limit, in slices so that an interruption is noticed. Returns false if the
+/// wait failed, or the tool crashed or must be killed.
 bool CopyThread::waitForTool(QProcess &tool)
 {
     QDeadlineTimer grace(QDeadlineTimer::Forever);

@@ -5,9 +5,9 @@
 
 class QProcess;
 
-/// Puts the files of sResultList into the destination folder on a thread of its own, with one run of the copy
-/// or move tool a file, until the list is done, a file fails or the thread's interruption is requested. An
-/// interruption ends a running copy at once; a running move may finish.
+/// Puts the files of sResultList into the destination folder on a thread of its own, running the copy or move
+/// tool once per file, until the list is done, a file fails or the thread is interrupted. An interruption
+/// ends a running copy at once but lets a running move finish.
 class CopyThread : public QThread {
     Q_OBJECT
 

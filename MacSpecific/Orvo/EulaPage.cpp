@@ -16,7 +16,7 @@ namespace {
 QUrl agreementUrl()
 {
     const std::string path = GetInstallPath() + "/Contents/Resources/LicenseAgreement.html";
-    // Encoded, since "#", "?" and "%" may stand in a folder's name and mean something else in a URL.
+    // Encoded because "#", "?" and "%" in a folder's name mean something else in a URL.
     const QByteArray encoded = QUrl::toPercentEncoding(QString::fromStdString(path), "/");
     return QUrl(QString::fromLatin1(encoded), QUrl::TolerantMode);
 }
@@ -44,8 +44,8 @@ EulaPage::EulaPage(QWidget *parent)
     // Not clicked(): a screen reader toggles the box without a click.
     connect(acceptBox, &QCheckBox::toggled, this, &EulaPage::OnLicenseAccepted);
     label->setBuddy(acceptBox);
-    // Some styles outline the empty box in a shade of the window's colour, in which it can hardly be seen. A
-    // shade of this grey stands out in a light window as well as in a dark one.
+    // Some styles outline the empty box in a shade of the window's colour, which is hard to see. Shades of
+    // this grey stand out in light and dark windows alike.
     QPalette colours = acceptBox->palette();
     colours.setColor(QPalette::Window, QColor(0xae, 0xae, 0xae));
     acceptBox->setPalette(colours);

@@ -30,8 +30,8 @@ EntryKind kindOf(const struct dirent &entry, int type)
     return {type == DT_DIR, type == DT_REG && isDataFileName(entry.d_name)};
 }
 
-/// The entry's type, asked of the file system where the listing itself doesn't tell it. -1 when it can't be
-/// had, with errno set.
+/// The entry's type, from the file system if the listing doesn't tell. Returns -1 and sets errno if it can't
+/// be had.
 int typeOf(int folder, const struct dirent &entry)
 {
     if (entry.d_type != DT_UNKNOWN)
@@ -47,7 +47,7 @@ bool isSelfOrParent(const char *name)
     return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
 }
 
-/// The prefix and the name after it, in a string without room to spare: hundreds of thousands are kept.
+/// Prefix and name in a string with no spare capacity, since hundreds of thousands are kept.
 QString joined(const QString &prefix, const char *name)
 {
     const char *end = name;
@@ -55,13 +55,13 @@ QString joined(const QString &prefix, const char *name)
         ++end;
     if (*end)
         return prefix + QFile::decodeName(name);
-    // A name in ASCII, which every encoding of file names has in common.
+    // ASCII is the same in every encoding of file names.
     QString path(prefix.size() + static_cast<int>(end - name), Qt::Uninitialized);
     std::copy(name, end, std::copy(prefix.begin(), prefix.end(), path.begin()));
     return path;
 }
 
-/// Sorts by the names in lower case, which are made once and kept in one piece; names that are equal then, by
+/// Sorts by the names in lower case, which are built once in a single string; ties are broken by the names
 /// themselves.
 void sortByName(std::vector<FolderEntry> &entries, int prefixLength)
 {
@@ -89,8 +89,8 @@ void sortByName(std::vector<FolderEntry> &entries, int prefixLength)
 
 } // namespace
 
-// Not with QDir, which examines every entry and again every file that is asked for its size: a scan of
-// 200,000 files takes almost twice as long with it.
+// QDir calls stat for every entry, and again for every size: a scan of 200,000 files would take almost twice
+// as long.
 FolderListing listFolder(const QString &prefix, const std::function<bool()> &interrupted)
 {
     FolderListing listing;
@@ -102,7 +102,7 @@ FolderListing listFolder(const QString &prefix, const std::function<bool()> &int
         return listing;
     }
     const int descriptor = dirfd(folder.get());
-    // A null that isn't the end is told from it by errno alone.
+    // Only errno tells a failure from the end.
     while (const struct dirent *entry = (errno = 0, readdir(folder.get()))) {
         if (interrupted())
             return listing;
@@ -114,8 +114,7 @@ FolderListing listFolder(const QString &prefix, const std::function<bool()> &int
         const EntryKind kind = kindOf(*entry, type);
         if (!kind.isFolder && !kind.isDataFile)
             continue;
-        // A file that can't be examined is listed all the same, so that its installation fails and is
-        // reported.
+        // A file that can't be examined is listed too, so that its installation fails and is reported.
         struct stat status = {};
         if (kind.isDataFile)
             fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW);

@@ -34,14 +34,14 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     gAdminGid = getGroupId("admin");
 
     setPixmap(QWizard::BackgroundPixmap, QPixmap(QStringLiteral(":/images/Orvo_DVD_Artwork.png")));
-    // The style that shows the artwork and calls its buttons as the pages' texts do; macOS picks it itself.
+    // The style that shows the artwork and names its buttons as the pages' texts do. macOS picks it anyway.
     setWizardStyle(QWizard::MacStyle);
     setOption(QWizard::NoCancelButton, false);
     // On macOS QWizard starts with this option, and Return would press no button.
     setOption(QWizard::NoDefaultButton, false);
     setOption(QWizard::DisabledBackButtonOnLastPage);
     fitToFont();
-    // Folder names and the tools' messages stand in these texts and must not be taken for markup.
+    // Folder names and tools' messages in these texts are not markup.
     setTitleFormat(Qt::PlainText);
     setSubTitleFormat(Qt::PlainText);
 
@@ -51,7 +51,7 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     setPage(DestinationPageId, new PickDestPage);
     setPage(InstallPageId, new ConclusionPage);
     setStartId(AgreementPageId);
-    // Qt leaves the focus on a control of the page before, which Space would still press.
+    // Qt leaves the focus on a control of the previous page, which Space would still press.
     connect(this, &QWizard::currentIdChanged, this, [this] {
         if (currentPage())
             announce(currentPage());
@@ -70,15 +70,15 @@ void Orvo_Installer::changeEvent(QEvent *event)
     QWizard::changeEvent(event);
     if (event->type() != QEvent::FontChange)
         return;
-    // Only with a new layout does the wizard choose the title's font anew.
+    // QWizard picks the title's font only when it makes a new layout.
     setWizardStyle(QWizard::ClassicStyle);
     setWizardStyle(QWizard::MacStyle);
     fitToFont();
 }
 
-/// Makes room for the artwork and, in the user's font, for the pages: a column of 45 characters, which is
-/// easy to read, and as many lines as the destination page takes with the longest path that it shows, its
-/// title, its button and the wizard's row of buttons.
+/// Makes room for the artwork and, in the user's font, for the pages: 45 characters a line, which is easy to
+/// read, and 14 lines, which is what the destination page needs for the longest path that it shows. The 160
+/// pixels are its title, its button and the wizard's buttons with their margins.
 void Orvo_Installer::fitToFont()
 {
     const QFontMetrics metrics = fontMetrics();

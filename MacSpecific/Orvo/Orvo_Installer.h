@@ -16,15 +16,15 @@ public:
     /// Sets the window title to `title` in UTF-8, or to the default title when it is empty.
     void SetWindowTitle(const std::string &title);
 
-    /// Cancel, Escape and the window's close button: closes the window, but while the installation runs stops
-    /// it first, and the window stays to show the outcome.
+    /// Cancel, Escape and the window's close button. Closes the window, unless an installation is running:
+    /// then it stops that, and the window stays open to show the outcome.
     void reject() override;
 
 protected:
     /// Follows a change of the desktop's font size.
     void changeEvent(QEvent *event) override;
-    /// Draws the artwork where the style does, but in the window's colour, and smooth: on a scaled screen the
-    /// style shows its pixels.
+    /// Draws the artwork where the style would, but in the window's colour, and smoothly: on a scaled screen
+    /// the style draws blocks.
     void paintEvent(QPaintEvent *event) override;
 
 private:

@@ -1,5 +1,5 @@
 #pragma once
 
-/// From here on a wizard page is a group in the eyes of assistive technology. Qt makes it a client area,
-/// which VoiceOver passes over with the title and the text that it carries.
+/// Makes wizard pages groups for assistive technology. Qt calls them client areas, which VoiceOver skips
+/// together with their title and text.
 void installPageAccessibility();

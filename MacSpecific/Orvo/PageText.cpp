@@ -13,11 +13,11 @@ namespace {
 
 constexpr int mostLines = 4;
 constexpr int narrowestColumn = 300;
-/// The longest text that is laid out, in characters: two of the longest paths and what a tool says of them.
-/// Line breaks take long to find.
+/// Characters of a text that are laid out: two paths of the greatest length and what a tool says of them.
+/// Finding line breaks is slow.
 constexpr int longestShown = 2 * 4096 + 512;
-/// The longest that a screen reader is given: more than any tool has to say, and far less than what would
-/// hold up the bus to it.
+/// Characters that a screen reader gets: more than any tool has to say, and far less than would block the
+/// accessibility bus.
 constexpr int longestSpoken = 65536;
 
 bool mayBreakAfter(QChar character)
@@ -25,8 +25,8 @@ bool mayBreakAfter(QChar character)
     return character == QLatin1Char('/') || character.isSpace();
 }
 
-/// `text` in lines of at most `width` pixels: left to itself a tool tip breaks no word, and in a large font
-/// reaches beyond the screen.
+/// `text` in lines of at most `width` pixels. A tool tip doesn't break words, so in a large font it would
+/// reach beyond the screen.
 QString inLines(const QString &text, int width)
 {
     QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), QToolTip::font());
@@ -43,7 +43,7 @@ QString inLines(const QString &text, int width)
     return lines.join(QLatin1Char('\n'));
 }
 
-/// `text` with something invisible behind what would make a tool tip take a folder's name for markup.
+/// `text` with an invisible character after "<" and "&", so that a tool tip doesn't take it for markup.
 QString plain(QString text)
 {
     constexpr QChar zeroWidthSpace(0x200B);
@@ -52,7 +52,7 @@ QString plain(QString text)
     return text;
 }
 
-/// `text` without what doesn't fit into a column of the page's text.
+/// `text` shortened to fit the page's text column.
 QString shortened(const QString &text, const QWizardPage *page)
 {
     const QFontMetrics metrics = page->fontMetrics();
@@ -65,12 +65,12 @@ QString shortened(const QString &text, const QWizardPage *page)
         if (word != text.end())
             fitted += *word++;
     }
-    // A line break has no width in the metrics.
+    // Line breaks have no width in the metrics.
     return metrics.elidedText(fitted, Qt::ElideMiddle, mostLines * column);
 }
 
-/// The text as it is shown. The page keeps the rest: the whole text as its accessible description, and what
-/// was shortened as its tool tip.
+/// The text to show. The page keeps the whole text as its accessible description, and a shortened name as its
+/// tool tip.
 QString fitted(QWizardPage *page, const QString &text, const QString &name)
 {
     const QString laidOut = name.left(longestShown);
@@ -108,7 +108,7 @@ void announce(QWizardPage *page)
     auto *wizard = qobject_cast<QWizard *>(page->window());
     if (!wizard || wizard->currentPage() != page)
         return;
-    // The label of the subtitles is one for all pages, and the titles lie in the wizard.
+    // All pages share the wizard's labels.
     QLabel *subTitle = labelBeside(page);
     for (QLabel *label : {subTitle, labelBeside(page->parentWidget())}) {
         if (label)
@@ -129,5 +129,5 @@ void makeSelectable(QLabel *label)
     if (label->textInteractionFlags() == Qt::TextSelectableByMouse)
         return;
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->updateGeometry(); // a text that can be marked is a little higher
+    label->updateGeometry(); // selectable text is a little higher
 }

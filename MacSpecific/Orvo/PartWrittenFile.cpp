@@ -11,8 +11,8 @@
 
 namespace {
 
-/// Whether both files hold the same bytes, and those of the second have reached the disk: what a tool that
-/// complains couldn't write may stand in the system's cache for a while.
+/// Whether both files hold the same bytes, and the second's have reached the disk: what a tool failed to
+/// write may stay in the system's cache for a while.
 bool haveSameBytes(const QString &first, const QString &second, const std::function<bool()> &interrupted)
 {
     constexpr qint64 block = 1 << 20;
@@ -42,7 +42,7 @@ PartWrittenFile::State::State(const QString &path)
     device = status.st_dev;
     inode = status.st_ino;
     size = status.st_size;
-    // By way of QFileInfo, since the fields of struct stat have other names on every system.
+    // QFileInfo, because the fields of struct stat have different names on each system.
     const QFileInfo file(path);
     modified = file.lastModified().toMSecsSinceEpoch();
     changed = file.metadataChangeTime().toMSecsSinceEpoch();
@@ -65,7 +65,7 @@ bool PartWrittenFile::untouched(const State &now) const
 
 bool PartWrittenFile::whole(const State &now) const
 {
-    // The tools set the time last of all. Some file systems keep only every whole or second second.
+    // The tools set the time last. Some file systems keep times only to one or two seconds.
     const qint64 difference = sourceBefore.modified - now.modified;
     const bool sameTime =
         difference == 0 || (now.modified % 1000 == 0 && difference > 0 && difference < 2000);

@@ -6,8 +6,8 @@
 
 #include <sys/types.h>
 
-/// Keeps one run of the copy or move tool from leaving a part of a file behind as if it were whole. Made
-/// before the tool starts, used on the same thread; takes as long as the disks.
+/// Keeps one run of the copy or move tool from leaving part of a file behind as if it were whole. Made before
+/// the tool starts and used on the same thread; blocks for as long as the disks take.
 class PartWrittenFile {
 public:
     /// Notes how `source` and the file of its name in the folder `destination` look before the run.
@@ -16,13 +16,13 @@ public:
     /// Whether the source itself already lies at the destination.
     bool isInPlace() const;
 
-    /// To be called after a run that was stopped: removes the destination file if that run wrote it and it
-    /// isn't whole, by its size and time. What the run never touched stays; so does a file whose source is
-    /// gone after a move, unless it is shorter than the source was.
+    /// Call this after a run that was stopped. Removes the destination file if the run wrote it and its size
+    /// or time differ from the source's. A file that the run didn't touch stays, and so does a moved file
+    /// whose source is gone, unless it is shorter than the source was.
     void removeAfterStop(bool moved) const;
 
-    /// The same after a run that failed, but the file's bytes decide, as far as they could be written to the
-    /// disk, and not its time. Once `interrupted` says true as after a stop.
+    /// The same after a run that failed, but compares the bytes, as far as they reached the disk, and not the
+    /// time. Treats the run as stopped once `interrupted` returns true.
     void removeAfterFailure(bool moved, const std::function<bool()> &interrupted) const;
 
 private:

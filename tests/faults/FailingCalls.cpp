@@ -89,7 +89,7 @@ extern "C" void armFailingCalls()
     }
 #define FAILING(kind, name) FAILING_IF(kind, name, true, -1)
 
-// The aliases of each that the C library, the toolkit and the tools use.
+// The aliases of each that the C library, Qt and the tools use.
 FAILING("open", open)
 FAILING("open", open64)
 FAILING("open", openat)
@@ -116,7 +116,7 @@ FAILING("chmod", fchmodat)
 FAILING("rename", renameat2)
 FAILING("rename", renameat)
 FAILING("fork", fork)
-// The toolkit makes its processes with the bare call.
+// Qt makes its processes with the bare system call.
 FAILING_IF("fork", syscall, a == SYS_clone, -1)
 FAILING_IF("fork", posix_spawn, true, errno)
 FAILING_IF("write", write, isFile(static_cast<int>(a)), -1)

@@ -67,10 +67,11 @@ OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const Authoriza
     AuthorizationRights **authorizedRights);
 
 /// Starts a tool as root. The communications pipe, the caller's to close, is the tool's standard input and
-/// output; its end of file is the tool's end. Here it carries the tool's errors, too; on macOS these go straight
-/// to the caller's standard error. errAuthorizationDenied: the reference holds no right.
+/// output; its end of file is the tool's end. Here it carries the tool's errors, too; on macOS these go
+/// straight to the caller's standard error. errAuthorizationDenied: the reference holds no right.
 /// errAuthorizationToolExecuteFailure: no command that an installation needs, for the reason that a line on
-/// standard error gives, or the tool can't be started. errAuthorizationInternal: the right has ended by itself.
+/// standard error gives, or the tool can't be started. errAuthorizationInternal: the right has ended by
+/// itself.
 OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, const char *pathToTool,
     AuthorizationFlags options, char *const *arguments, FILE **communicationsPipe);
 
