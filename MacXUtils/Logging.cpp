@@ -65,6 +65,9 @@ void copyLogLocation(const std::string &key, char *location, CFIndex size)
 /// one is full. Write-only, because opening a FIFO for reading too would make this process its reader.
 FILE *openForAppending(const char *path)
 {
+    // Standard error may be a file, in which its own lines would overwrite the log's.
+    if (std::strcmp(path, "/dev/stderr") == 0)
+        fcntl(STDERR_FILENO, F_SETFL, fcntl(STDERR_FILENO, F_GETFL) | O_APPEND);
     const int descriptor = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0666);
     FILE *stream = descriptor >= 0 ? fdopen(descriptor, "a") : nullptr;
     if (descriptor >= 0 && !stream)

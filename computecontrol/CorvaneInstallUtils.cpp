@@ -267,16 +267,17 @@ int32_t verifyResourceDirectory(const char *parent, const char *name)
 
 bool createPickedDirectory(const char *path)
 {
-    if (!haveAuthority())
-        return false;
     struct stat status;
-    const bool isNew = limited::lstat(path, status) != 0 && errno == ENOENT;
+    const bool exists = limited::lstat(path, status) == 0;
+    // Where the user can't even look, a folder of root's would stay behind.
+    if ((!exists && errno != ENOENT) || !haveAuthority())
+        return false;
     if (!runOrLog("/bin/mkdir", {"-m", octal(0755), path},
             "doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return false;
     // mkdir ran as root, but cp and mv run as the user, so a new folder is given to the user. One that
     // existed keeps its owner, and -h leaves alone what a link leads to that took its place.
-    return !isNew
+    return exists
         || runOrLog("/usr/sbin/chown", {"-h", owner(gAdminGid), path},
             "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n");
 }

@@ -6,9 +6,26 @@
 #include <QDeadlineTimer>
 #include <QStringList>
 
+namespace {
+
+/// Milliseconds until a request to end is noticed.
+constexpr int slice = 50;
+
+} // namespace
+
 CDfProcess::CDfProcess(QObject *parent)
     : QProcess(parent)
 {
+}
+
+CDfProcess::~CDfProcess()
+{
+    if (state() == NotRunning)
+        return;
+    kill();
+    // QProcess's destructor would wait another 30 seconds for a df that is stuck on a disk.
+    if (!waitForFinished(slice))
+        setProcessState(NotRunning);
 }
 
 void CDfProcess::Run(const QString &folder)
@@ -18,7 +35,6 @@ void CDfProcess::Run(const QString &folder)
 
 qint64 CDfProcess::TotalAvailable()
 {
-    constexpr int slice = 50;
     const QDeadlineTimer limit(50000);
     while (!waitForFinished(slice)) {
         const bool waits = error() == QProcess::Timedout && state() != QProcess::NotRunning;

@@ -9,6 +9,7 @@ class CDfProcess : public QProcess {
 
 public:
     explicit CDfProcess(QObject *parent = nullptr);
+    ~CDfProcess() override;
 
     /// Starts "df -k folder" and returns at once.
     void Run(const QString &folder);

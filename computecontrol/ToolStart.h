@@ -2,6 +2,6 @@
 
 #include <QProcess>
 
-/// Starts `tool` as QProcess::start does, on the caller's thread. False when the system has no process left;
-/// the tool isn't running then and must be destroyed.
+/// Starts `tool` as QProcess::start does, on the caller's thread. Returns false if the system has no process
+/// left. Destroy the tool at once then: the event loop would make it running again, with the process id -1.
 bool startTool(QProcess &tool, const QString &program, const QStringList &arguments);

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QProcess>
+#include <memory>
+
+class QProcess;
 
 /// Keeps the computer from going to sleep by itself, using the system's own tool. The tool ends with this
 /// object, and within a second of the process's end. Failures are ignored. Main thread only.
@@ -11,5 +13,5 @@ public:
     ~KeepAwake();
 
 private:
-    QProcess tool;
+    std::unique_ptr<QProcess> tool;
 };

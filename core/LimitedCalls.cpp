@@ -11,6 +11,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <unistd.h>
 
@@ -32,8 +33,9 @@ struct Answer {
     int error = ETIMEDOUT;
 };
 
-/// `call` must own everything that it touches, since it may outlive the caller.
-int withinLimit(const std::function<int()> &call)
+/// The result of the call and its errno. `call` must own everything that it touches, since it may outlive the
+/// caller.
+std::pair<int, int> answerOf(const std::function<int()> &call)
 {
     const auto answer = std::make_shared<Answer>();
     const auto look = [answer, call] {
@@ -48,14 +50,23 @@ int withinLimit(const std::function<int()> &call)
     try {
         std::thread(look).detach();
     } catch (const std::system_error &) {
-        return call(); // the system has no thread left
+        const int result = call(); // the system has no thread left
+        return {result, errno};
     }
     std::unique_lock lock(answer->mutex);
     const auto end = steady_clock::now() + limit;
-    while (!answer->isGiven && steady_clock::now() < end && !TerminationSignals::received())
-        answer->given.wait_for(lock, slice);
-    errno = answer->error;
-    return answer->result;
+    do {
+        answer->given.wait_for(lock, slice, [&answer] { return answer->isGiven; });
+    } while (!answer->isGiven && steady_clock::now() < end && !TerminationSignals::received());
+    return {answer->result, answer->error};
+}
+
+int withinLimit(const std::function<int()> &call)
+{
+    // Set last of all: what is freed on the way may change it.
+    const auto [result, error] = answerOf(call);
+    errno = error;
+    return result;
 }
 
 using StatusCall = int (*)(const char *, struct stat *);

@@ -9,7 +9,7 @@
 
 /// System calls for the main thread, which a disk that no longer answers would block for good. Each runs on a
 /// thread of its own. If it takes 5 seconds, or the process is asked to end, it fails with errno ETIMEDOUT
-/// and the thread is left behind.
+/// and the thread is left behind, where it may still succeed.
 namespace limited {
 
 int access(const std::string &path, int mode);

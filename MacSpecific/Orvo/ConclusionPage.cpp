@@ -28,7 +28,6 @@
 
 namespace {
 
-constexpr int failure = -100;
 /// Milliseconds to wait for a worker that was asked to stop: a little longer than it waits for a hanging
 /// tool. A worker that takes longer is itself stuck on a disk that no longer answers.
 constexpr int stopLimit = 35000;
@@ -126,23 +125,35 @@ int ConclusionPage::nextId() const
 
 bool ConclusionPage::stopInstallation()
 {
+    if (stage == Waiting)
+        return false;
     gPromptsDeclined = true;
-    if (stage == Waiting || complete)
+    if (complete)
         return false;
     if (stage == Running && copyThread) {
         copyThread->requestInterruption();
-        QTimer::singleShot(stopLimit, this, &ConclusionPage::handleResult);
+        QTimer::singleShot(stopLimit, this, &ConclusionPage::giveUpWorker);
     }
     stage = Stopped;
     return true;
 }
 
+/// Shows the outcome without a worker that is stuck.
+void ConclusionPage::giveUpWorker()
+{
+    if (complete)
+        return;
+    copyThread->disconnect(this);
+    handleResult();
+}
+
 void ConclusionPage::doCopy()
 {
-    if (stage != Waiting || !isVisible())
+    // Closing the window within the second before this is a way out.
+    const bool wasClosed = window()->testAttribute(Qt::WA_WState_ExplicitShowHide) && window()->isHidden();
+    if (stage != Waiting || isHidden() || wasClosed)
         return;
     stage = Running;
-    gPromptsDeclined = false;
     gSystemScope = true;
     if (prepareDestination() && stage == Running)
         startCopying();
@@ -155,7 +166,7 @@ void ConclusionPage::doCopy()
 bool ConclusionPage::prepareDestination()
 {
     const auto failed = [this](const QString &text) {
-        resultSet(failure, text);
+        resultSet(installationFailed, text);
         return false;
     };
     const QString noAccess =
@@ -181,9 +192,11 @@ bool ConclusionPage::prepareDestination()
 /// Asks for administrator rights only if they would help.
 bool ConclusionPage::makePickedFolder(const std::string &folder)
 {
-    if (limited::mkdir(folder, 0755) == 0)
+    if (limited::mkdir(folder, 0755) == 0 || errno == EEXIST)
         return true;
-    privileged = (errno == EACCES || errno == EPERM) && createPickedDirectory(folder.c_str());
+    if (errno != EACCES && errno != EPERM)
+        return false;
+    privileged = createPickedDirectory(folder.c_str());
     return privileged;
 }
 
@@ -202,11 +215,10 @@ void ConclusionPage::startCopying()
 
 void ConclusionPage::handleResult()
 {
-    if (complete)
-        return;
     // A screen reader can press the wizard's buttons even while the prompt below is open, so Cancel goes
     // first. Done stays disabled until the field "path" is set.
-    wizard()->setOption(QWizard::NoCancelButton);
+    if (wizard())
+        wizard()->setOption(QWizard::NoCancelButton);
     complete = true;
     keepAwake.reset();
     if (stage == Stopped)
@@ -219,7 +231,7 @@ void ConclusionPage::handleResult()
             showSubTitle(this, tr("Cancel was pressed."));
         else if (errCode == errAuthorizationDenied)
             showSubTitle(this, tr("The username entered does not have admin privileges."));
-        else if (errCode == failure)
+        else if (errCode == installationFailed)
             showSubTitle(this, QStringLiteral("%1"), errMsg);
         else
             showSubTitle(this, QStringLiteral("A MacOS error occured (%1)"), QString::number(errCode));
@@ -229,6 +241,7 @@ void ConclusionPage::handleResult()
     progressBar->hide();
     if (gMacAuthorizationRef)
         freeAuthority(&gMacAuthorizationRef);
+    gPromptsDeclined = false;
 }
 
 void ConclusionPage::recordDestination()

@@ -39,6 +39,7 @@ private:
     bool prepareDestination();
     bool makePickedFolder(const std::string &folder);
     void startCopying();
+    void giveUpWorker();
     void recordDestination();
     bool fixupPrivileges();
 

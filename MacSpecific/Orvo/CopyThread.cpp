@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int failure = -100;
 /// Milliseconds until an interruption is noticed.
 constexpr int slice = 50;
 /// Milliseconds that a running move gets to finish after an interruption. A rename needs none of it, so
@@ -61,7 +60,7 @@ void CopyThread::unpriviledgedCopy()
 {
     QProcess tool;
     const QString program = sCopyFiles ? QStringLiteral("/bin/mv") : QStringLiteral("/bin/cp");
-    emit copyResult(failure, QStringLiteral("The source database data files couldn't be found."));
+    emit copyResult(installationFailed, QStringLiteral("The source database data files couldn't be found."));
     umask(022);
     int done = 0;
     const QList<QFileInfo> files = sResultList;
@@ -99,7 +98,8 @@ bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString 
             destination.removeAfterStop(sCopyFiles);
         else
             destination.removeAfterFailure(sCopyFiles, interrupted);
-        emit copyResult(failure, message);
+        if (!interrupted())
+            emit copyResult(installationFailed, message);
         return false;
     }
     // The exit code doesn't count: a tool that says nothing has succeeded.
@@ -110,7 +110,7 @@ bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString 
     std::fprintf(stderr, "Lumetra Installer: %s", complaint.constData());
     std::fflush(stderr);
     emit copyResult(
-        failure, QStringLiteral("Error message is:\n") + QString::fromUtf8(complaint.constData()));
+        installationFailed, QStringLiteral("Error message is:\n") + QString::fromUtf8(complaint.constData()));
     return false;
 }
 

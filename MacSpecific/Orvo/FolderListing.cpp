@@ -30,6 +30,11 @@ EntryKind kindOf(const struct dirent &entry, int type)
     return {type == DT_DIR, type == DT_REG && isDataFileName(entry.d_name)};
 }
 
+bool mayNotBeRead(int error)
+{
+    return error == EACCES || error == EPERM;
+}
+
 /// The entry's type, from the file system if the listing doesn't tell. Returns -1 and sets errno if it can't
 /// be had.
 int typeOf(int folder, const struct dirent &entry)
@@ -38,7 +43,7 @@ int typeOf(int folder, const struct dirent &entry)
         return entry.d_type;
     struct stat status;
     if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
-        return errno == ENOENT ? DT_UNKNOWN : -1;
+        return errno == ENOENT || mayNotBeRead(errno) ? DT_UNKNOWN : -1;
     return S_ISDIR(status.st_mode) ? DT_DIR : S_ISREG(status.st_mode) ? DT_REG : DT_UNKNOWN;
 }
 
@@ -97,8 +102,7 @@ FolderListing listFolder(const QString &prefix, const std::function<bool()> &int
     const std::unique_ptr<DIR, int (*)(DIR *)> folder(
         opendir(QFile::encodeName(prefix).constData()), closedir);
     if (!folder) {
-        const bool mayNot = errno == EACCES || errno == EPERM || errno == ENAMETOOLONG;
-        listing.error = mayNot ? 0 : errno;
+        listing.error = mayNotBeRead(errno) || errno == ENAMETOOLONG ? 0 : errno;
         return listing;
     }
     const int descriptor = dirfd(folder.get());

@@ -117,7 +117,6 @@ void announce(QWizardPage *page)
     if (subTitle)
         subTitle->setAccessibleName(page->accessibleDescription());
     wizard->setToolTip(page->toolTip());
-    page->setAccessibleName(page->title());
     if (!page->hasFocus())
         return page->setFocus();
     QAccessibleEvent event(page, QAccessible::Focus);

@@ -13,7 +13,7 @@ constexpr int besidePageText = 250;
 /// folder names wider than the page, and whatever exceeds four lines, are shortened in the middle; the tool
 /// tip then has the whole name. Assistive technology gets the whole text. The page takes the focus so that it
 /// is spoken; from there Tab goes through the page from the top, and Return presses the default button. A
-/// page that isn't current does all that once it is. Set the page's title first.
+/// page that isn't current does all that once it is.
 void showSubTitle(QWizardPage *page, const QString &text, const QString &name = QString());
 
 /// The same in a label of the page's own.
