@@ -72,6 +72,15 @@ private slots:
         QVERIFY(QFile::exists(unfinishedMark(tree.path("destination"))));
     }
 
+    void linkInTheMarksPlaceIsNotFollowed()
+    {
+        const Tree tree;
+        const QString target = tree.file("target", "precious");
+        QVERIFY(QFile::link(target, unfinishedMark(tree.folder("destination"))));
+        markUnfinished(tree.path("destination"));
+        QCOMPARE(contentsOf(target), QByteArray("precious"));
+    }
+
     void filesInPlaceStayAsTheyAre_data() { filesArriveAndAreCounted_data(); }
 
     /// An installed database that is only to be recorded.

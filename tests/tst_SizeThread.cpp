@@ -117,6 +117,20 @@ private slots:
         QCOMPARE(resultsOf(scanner), (Results{{tree.path(name), size}}));
     }
 
+    /// Its files can't be installed, and the rest isn't the whole.
+    void folderWithAnUnreadableNameIsNotLeftOut()
+    {
+        const Tree tree;
+        tree.file("a/a.zqin");
+        const QByteArray odd = QFile::encodeName(tree.path()) + "/odd\xff\xfe";
+        if (mkdir(odd, 0755) != 0)
+            QSKIP("this file system takes no such name");
+        QList<QFileInfo> found;
+        QCOMPARE(SizeThread(nullptr, "").dirSize(tree.path(), found), quint64(0));
+        QVERIFY(found.isEmpty());
+        rmdir(odd);
+    }
+
     /// What was found before the disk went away must not pass for the whole.
     void lostDiskHoldsNothing()
     {

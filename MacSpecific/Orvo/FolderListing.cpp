@@ -47,6 +47,16 @@ int typeOf(int folder, const struct dirent &entry)
     return S_ISDIR(status.st_mode) ? DT_DIR : S_ISREG(status.st_mode) ? DT_REG : DT_UNKNOWN;
 }
 
+/// Whether the folder of this name can't be reached by the name that Qt makes of it: one that isn't in the
+/// encoding of file names, for instance.
+bool isUnreachable(int folder, const char *name)
+{
+    const QByteArray again = QFile::encodeName(QFile::decodeName(name));
+    struct stat status;
+    return again != name && fstatat(folder, again.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0
+        && fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
 bool isSelfOrParent(const char *name)
 {
     return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
@@ -118,6 +128,10 @@ FolderListing listFolder(const QString &prefix, const std::function<bool()> &int
         const EntryKind kind = kindOf(*entry, type);
         if (!kind.isFolder && !kind.isDataFile)
             continue;
+        if (kind.isFolder && isUnreachable(descriptor, entry->d_name)) {
+            errno = EILSEQ;
+            break;
+        }
         // A file that can't be examined is listed too, so that its installation fails and is reported.
         struct stat status = {};
         if (kind.isDataFile)

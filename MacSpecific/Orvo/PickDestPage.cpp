@@ -40,6 +40,12 @@ bool exists(const QString &path)
     return limited::access(path.toStdString(), F_OK) == 0;
 }
 
+/// Whether an installation into the folder was begun, and this user can go on with it.
+bool canBeFinished(const QString &folder)
+{
+    return exists(unfinishedMark(folder)) && limited::access(folder.toStdString(), W_OK) == 0;
+}
+
 /// The folder whose file system the destination will lie on, and which exists before it.
 QString probeFolderOf(const QString &path)
 {
@@ -145,7 +151,7 @@ void PickDestPage::chooseDestination()
     const QString base = folder + QLatin1Char('/');
     const QString name = QStringLiteral("Lumetra");
     QString candidate = base + name;
-    for (int n = 0; exists(candidate) && !exists(unfinishedMark(candidate)); ++n)
+    for (int n = 0; exists(candidate) && !canBeFinished(candidate); ++n)
         candidate = QStringLiteral("%1%2_%3").arg(base, name, QString::number(n));
     showDestination(candidate);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))
