@@ -24,7 +24,7 @@ private slots:
         const Tree tree;
         sResultList.clear();
         for (const QString name : {"a.zqin", "-f \n%1 \"é'.zqin", "same.zqin", "sub/same.zqin"})
-            sResultList << tree.file("source/" + name, name.toUtf8());
+            sResultList << QFileInfo(tree.file("source/" + name, name.toUtf8()));
         CopyThread worker(nullptr, tree.folder("destination"));
         QString report;
         connect(&worker, &CopyThread::copyResult, &worker,
@@ -58,7 +58,8 @@ private slots:
         QFETCH(bool, interrupted);
         const Tree tree;
         sCopyFiles = false;
-        sResultList = {tree.file("a.zqin"), interrupted ? tree.file("b.zqin") : tree.path("gone.zqin")};
+        sResultList = {QFileInfo(tree.file("a.zqin")),
+            QFileInfo(interrupted ? tree.file("b.zqin") : tree.path("gone.zqin"))};
         CopyThread worker(nullptr, tree.folder("destination"));
         connect(
             &worker, &CopyThread::copiedFile, &worker,
@@ -89,7 +90,8 @@ private slots:
         QFETCH(bool, move);
         const Tree tree;
         sCopyFiles = move;
-        sResultList = {tree.file("installed/a.zqin", "1"), tree.file("installed/b.zqin", "2")};
+        sResultList = {
+            QFileInfo(tree.file("installed/a.zqin", "1")), QFileInfo(tree.file("installed/b.zqin", "2"))};
         CopyThread worker(nullptr, tree.path("installed"));
         QSignalSpy results(&worker, &CopyThread::copyResult);
         worker.start();

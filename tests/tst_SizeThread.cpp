@@ -82,7 +82,7 @@ private slots:
         const QString before = QDir::currentPath();
         QDir::setCurrent(tree.path());
         // One step at a time, since no call takes a path of this length.
-        for (int level = (PATH_MAX - 1 - tree.path("a.zqin").size()) / 2; level > 0; --level)
+        for (auto level = (PATH_MAX - 1 - tree.path("a.zqin").size()) / 2; level > 0; --level)
             QVERIFY(mkdir("d", 0755) == 0 && chdir("d") == 0);
         QVERIFY(QFile("a.zqin").open(QIODevice::WriteOnly));
         QDir::setCurrent(before);
@@ -138,7 +138,7 @@ private slots:
             QSKIP("needs mounts of its own");
         const Tree tree;
         const QString disk = tree.folder("disk");
-        const QList<QFileInfo> before{tree.path("found before.zqin")};
+        const QList<QFileInfo> before{QFileInfo(tree.path("found before.zqin"))};
         for (unsigned long delay = 0; delay < 4000; delay += 200) {
             sResultList = before;
             SizeThread scanner(nullptr, disk);
@@ -159,7 +159,7 @@ private slots:
     void secondScanAppends()
     {
         const Tree tree;
-        const QList<QFileInfo> files{tree.file("b/1.zqin"), tree.file("a/2.zqin")};
+        const QList<QFileInfo> files{QFileInfo(tree.file("b/1.zqin")), QFileInfo(tree.file("a/2.zqin"))};
         for (const char *folder : {"b", "a"}) {
             SizeThread scanner(nullptr, tree.path(folder));
             resultsOf(scanner);

@@ -11,7 +11,7 @@
 #include "macos/MacDoAuthorizedCommand.h"
 #include "macos/MacWriteGlobalDefaultSetting.h"
 
-#include <QApplication>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QPalette>
 #include <QProgressBar>
@@ -81,8 +81,6 @@ ConclusionPage::ConclusionPage(QWidget *parent)
     progressBar->setValue(0);
     progressBar->setAccessibleName(QStringLiteral("Files installed"));
     colourText(progressBar, palette());
-    connect(qApp, &QGuiApplication::paletteChanged, progressBar,
-        [this](const QPalette &theme) { colourText(progressBar, theme); });
     auto *layout = new QHBoxLayout;
     layout->addWidget(progressBar);
     setLayout(layout);
@@ -111,6 +109,13 @@ void ConclusionPage::setVisible(bool visible)
     // Emptying the mandatory field makes QWizard update its buttons, which keeps Finish disabled.
     setField(QStringLiteral("path"), QString());
     QTimer::singleShot(1000, this, &ConclusionPage::doCopy);
+}
+
+void ConclusionPage::changeEvent(QEvent *event)
+{
+    QWizardPage::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colourText(progressBar, palette());
 }
 
 bool ConclusionPage::isComplete() const
@@ -206,7 +211,7 @@ void ConclusionPage::startCopying()
     connect(copyThread, &CopyThread::finished, this, &ConclusionPage::handleResult);
     connect(copyThread, &CopyThread::copiedFile, this, &ConclusionPage::moveBar);
     connect(copyThread, &CopyThread::copyResult, this, &ConclusionPage::resultSet);
-    progressBar->setMaximum(sResultList.size());
+    progressBar->setMaximum(static_cast<int>(sResultList.size()));
     progressBar->setFormat(QStringLiteral("%v of %m"));
     moveBar(0); // shows "0 of ..." while the first file, perhaps a large one, is under way
     keepAwake = std::make_unique<KeepAwake>();

@@ -29,6 +29,9 @@ public:
     /// or its outcome is shown. From here on no prompt is shown.
     bool stopInstallation();
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private slots:
     void doCopy();
     void handleResult();

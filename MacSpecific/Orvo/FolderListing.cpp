@@ -77,19 +77,19 @@ QString joined(const QString &prefix, const char *name)
 }
 
 /// Sorts by the names in lower case, which are built once in a single string; ties are broken by the names
-/// themselves.
-void sortByName(std::vector<FolderEntry> &entries, int prefixLength)
+/// themselves. All paths begin with the prefix.
+void sortByName(std::vector<FolderEntry> &entries, const QString &prefix)
 {
     struct Keyed {
-        int begin;
-        int length;
+        qsizetype begin;
+        qsizetype length;
         FolderEntry entry;
     };
     QString keys;
     std::vector<Keyed> keyed;
     keyed.reserve(entries.size());
     for (FolderEntry &entry : entries) {
-        const QString key = entry.path.mid(prefixLength).toLower();
+        const QString key = entry.path.mid(prefix.size()).toLower();
         keyed.push_back({keys.size(), key.size(), std::move(entry)});
         keys += key;
     }
@@ -140,6 +140,6 @@ FolderListing listFolder(const QString &prefix, const std::function<bool()> &int
             {joined(prefix, entry->d_name), kind.isFolder, static_cast<quint64>(status.st_size)});
     }
     listing.error = errno;
-    sortByName(listing.entries, prefix.size());
+    sortByName(listing.entries, prefix);
     return listing;
 }

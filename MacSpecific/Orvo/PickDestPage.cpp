@@ -51,7 +51,7 @@ QString probeFolderOf(const QString &path)
 {
     if (path.startsWith(QLatin1String(systemFolder)))
         return QLatin1String(systemFolder);
-    const int slash = path.lastIndexOf(QLatin1Char('/'));
+    const auto slash = path.lastIndexOf(QLatin1Char('/'));
     return slash == 0 ? path : path.left(slash);
 }
 
