@@ -1,7 +1,7 @@
 set(SIGNING_IDENTITY "-" CACHE STRING "Identity to sign bundle and disk image with; -: the bundle only, ad hoc")
 
 install(TARGETS installer BUNDLE DESTINATION .)
-get_target_property(qmake Qt5::qmake LOCATION)
+get_target_property(qmake Qt::qmake LOCATION)
 get_filename_component(qt_programs "${qmake}" DIRECTORY)
 install(CODE "set(BUNDLE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${BUNDLE_NAME}.app\")
 set(QT_PROGRAMS [==[${qt_programs}]==])

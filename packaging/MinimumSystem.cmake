@@ -1,5 +1,5 @@
 # Raises CMAKE_OSX_DEPLOYMENT_TARGET to the oldest macOS that the linked Qt itself runs on; Info.plist asks for the result.
-get_target_property(qt_library Qt5::Core LOCATION)
+get_target_property(qt_library Qt${INSTALLER_QT}::Core LOCATION)
 execute_process(COMMAND otool -arch all -l "${qt_library}" OUTPUT_VARIABLE load_commands COMMAND_ERROR_IS_FATAL ANY)
 
 # One for each architecture, as LC_BUILD_VERSION or as the older LC_VERSION_MIN_MACOSX. The lowest counts: Apple silicon
