@@ -2,6 +2,7 @@
 
 import ctypes
 import json
+import os
 import re
 import subprocess
 import sys
@@ -9,11 +10,12 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-BUNDLE = ROOT / "build/release/Lumetra Database Installer.app"
+BUILD = ROOT / os.environ["BUILD_FOLDER"]
+BUNDLE = BUILD / "Lumetra Database Installer.app"
 INSTALLER = BUNDLE / "Contents/MacOS/Lumetra Database Installer"
-WORKERS = ROOT / "build/release/bench/bench_workers"
-BARE = ROOT / "build/release/bench/bench_bare"
-DRIVER = ROOT / "build/release/tests/faults_driver"
+WORKERS = BUILD / "bench/bench_workers"
+BARE = BUILD / "bench/bench_bare"
+DRIVER = BUILD / "tests/faults_driver"
 # Of the X protocol.
 SUBSTRUCTURE_NOTIFY_MASK, MAP_NOTIFY = 1 << 19, 19
 
