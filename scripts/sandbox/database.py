@@ -16,7 +16,7 @@ OLDEST = 1_000_000_000
 def make(folder, total, files=FILES, sparse=False):
     """Fills the new folder with `files` data files of `total` bytes together, and decoys.
 
-    The bytes are the same on every run; with `sparse` they are holes, which cost neither time nor room.
+    The bytes are the same on every run; with `sparse` they are holes, which take neither time nor space.
     """
     folder = Path(folder)
     for name in FOLDERS:
@@ -48,7 +48,7 @@ def data_files(folder):
 
 
 def content(folder):
-    """What an installation must keep of each data file, by name: size, time of change and a digest."""
+    """What an installation must keep of each data file, by name: size, time of modification and a digest."""
     kept = {}
     for path in data_files(folder):
         with open(path, "rb") as data:

@@ -1,6 +1,7 @@
-"""A world with real administrator rights: the machine as it is, in namespaces of its own, in which everything can be
-changed and nothing stays. It has a system bus, polkit, a system log and two accounts, one that can administer the
-computer and one that can't."""
+"""A world with real administrator rights: the machine in namespaces of its own, in which no change lasts.
+
+It has a system bus, polkit, a system log and two accounts, one that can administer the computer and one that can't.
+"""
 
 import os
 import pty
@@ -29,7 +30,7 @@ DEVICES = ("null", "zero", "full", "random", "urandom", "tty")
 
 
 def missing():
-    """Why no such world can be had here, or None."""
+    """Why no such world can be made here, or None."""
     if os.geteuid() != 0:
         return "needs root"
     absent = [name for name in PROGRAMS if not shutil.which(name)] + ([] if _polkitd() else ["polkitd"])
@@ -42,13 +43,13 @@ def missing():
 
 
 def enter(argv):
-    """Becomes this program again in new namespaces."""
+    """Runs `argv` in new namespaces and returns its exit status."""
     command = ["unshare", "--mount", "--pid", "--fork", "--kill-child", "--propagation", "private", *argv]
     return subprocess.call(command)
 
 
 def lay(bundle, probe):
-    """Makes the world and goes into it; `probe` is laid into the bundle. All but the checkout is on one device."""
+    """Makes the world, with `probe` in the bundle, and enters it. All but the checkout is on one device."""
     root = Path("/mnt/world")
     mount("tmpfs", "/mnt", "-t", "tmpfs")
     for name in ("upper", "work", "world"):
@@ -83,7 +84,7 @@ def become_plain():
 
 
 class System:
-    """What runs in the world from its start, and the accounts."""
+    """The accounts, and the services that run in the world from its start."""
 
     def __init__(self, rule=ADMINISTRATOR_MAY):
         Path(HOME).parent.mkdir(exist_ok=True)
@@ -117,8 +118,10 @@ class System:
 
 
 class Agent:
-    """polkit's own agent for one process, on a terminal of its own, with somebody who types the password, if there is
-    one: a process, as this one may stand still while it waits for the installer's windows."""
+    """polkit's own agent for one process, on a terminal of its own, and somebody who types the password, if there is one.
+
+    That somebody is a process, since this one may block while it waits for the installer's windows.
+    """
 
     def __init__(self, process, password, as_plain=False):
         self._record = tempfile.mkstemp()[1]
@@ -131,7 +134,7 @@ class Agent:
             agent, terminal = pty.fork()
             if agent == 0:
                 os.execvp(command[0], command)
-            # Nothing of this process's may stay open in the other.
+            # The child must not keep this process's descriptors open.
             os.dup2(terminal, 3)
             os.closerange(4, 1024)
             try:
@@ -139,7 +142,7 @@ class Agent:
             finally:
                 os._exit(0)
         os.close(ready)
-        # The end of file says that the agent is known.
+        # The agent closes its end once it is registered.
         os.read(started, 1)
         os.close(started)
 
@@ -161,13 +164,13 @@ class Agent:
                     return
                 if self.prompts > answered and password is not None:
                     answered = self.prompts
-                    # What is typed while the echo is still on is thrown away.
+                    # The agent throws away what is typed while the echo is still on.
                     wait(lambda: not termios.tcgetattr(terminal)[3] & termios.ECHO, "hidden input")
                     os.write(terminal, password.encode() + b"\n")
 
 
 def helpers():
-    """The process ids of the helpers that live, and of what asks for the rights of one."""
+    """The process ids of the running helpers, and of the programs that ask for the rights to start one."""
     found = []
     for process in Path("/proc").glob("[0-9]*"):
         try:

@@ -23,7 +23,7 @@ def sizes(folder):
 
 
 def end(world, wanted):
-    """Lists what is installed; returns what is wrong, or None."""
+    """Prints what is installed; returns what is wrong, or None."""
     try:
         recorded = plistlib.loads(world.path(PREFERENCE).read_bytes())["LumetraFullDatabasePath"]
     except (OSError, KeyError, plistlib.InvalidFileException) as fault:
@@ -72,7 +72,7 @@ def begun(user):
 
 
 def walk(user):
-    """Goes through all pages as scripted user."""
+    """Goes through all pages as the scripted user."""
     def see(name):
         user.picture(name)
         user.say(f"[{name}]", *user.texts())

@@ -1,7 +1,7 @@
 """A scripted user of the installer: an assistive-technology client that finds things as a screen reader does.
 
-Runs on a display of its own (ON_DISPLAY) in a world (world.py), and knows nothing of the code, only roles, names and
-texts.
+Runs on a display of its own (ON_DISPLAY) in a world (world.py), and knows only roles, names and texts, nothing of the
+code.
 """
 
 import os
@@ -15,12 +15,12 @@ from .world import BUNDLE_FOLDER, BUNDLE_NAME
 PROGRAM = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}/Contents/MacOS/Lumetra Database Installer"
 BOX_TITLE = "Lumetra Database Installer Install"
 LIMIT = 60
-# Runs the command that follows on a display that nobody sees, with a session bus.
+# Runs the command that follows on a virtual display, with a session bus.
 ON_DISPLAY = ("xvfb-run", "-a", "-s", "-screen 0 1024x768x24 -noreset", "dbus-run-session", "--")
 
 
 class Unexpected(Exception):
-    """What the user waited for did not come; the text says what there was instead."""
+    """What the user waited for didn't come; the text says what was there instead."""
 
 
 class User:
@@ -30,7 +30,7 @@ class User:
         self.pictures = pictures
         environment = os.environ | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
         self.program = subprocess.Popen([PROGRAM], env=environment, stderr=open("/tmp/stderr", "w"))
-        # Qt joins only an accessibility bus that comes up after it, so its window must stand first.
+        # Qt joins only an accessibility bus that starts after it does, so its window must show first.
         self.wait(_display_windows, "a window")
         global pyatspi
         import pyatspi
@@ -41,14 +41,14 @@ class User:
         self.program.wait()
 
     def errors(self):
-        """What the installer wrote to standard error so far."""
+        """What the installer has written to standard error so far."""
         with open("/tmp/stderr") as lines:
             return lines.read()
 
     # Looking
 
     def windows(self):
-        """The installer's top-level windows that show; the newest last."""
+        """The installer's visible top-level windows, the newest last."""
         while GLib.MainContext.default().iteration(False):
             pass
         desktop = pyatspi.Registry.getDesktop(0)
@@ -65,19 +65,19 @@ class User:
         return next((window for window in self.windows() if window.name != BOX_TITLE), None)
 
     def box(self):
-        """The message box that shows, or None."""
+        """The visible message box, or None."""
         return next((window for window in self.windows() if window.name == BOX_TITLE), None)
 
     def dialog(self, caption):
-        """The folder dialog that shows, or None."""
+        """The visible folder dialog, or None."""
         return next((window for window in self.windows() if window.name == caption), None)
 
     def find(self, role, name=None, within=None):
-        """The first control that shows of the role and the name, or None."""
+        """The first visible control with the role and the name, or None."""
         return next(self._all(role, name, within), None)
 
     def texts(self, within=None):
-        """The label texts that show, from top to bottom."""
+        """The texts of the visible labels, from top to bottom."""
         labels = [label for label in self._all("label", None, within) if label.name]
         return [label.name for label in sorted(labels, key=lambda label: _box(label)[1])]
 
@@ -88,7 +88,7 @@ class User:
         print("  ".join(" ".join(text.split()) for text in texts), flush=True)
 
     def content(self, name):
-        """The whole text of the document that shows under the name."""
+        """The whole text of the visible document with the name."""
         return self.find("label", name).queryText().getText(0, -1)
 
     def enabled(self, name, role="push button"):
@@ -121,7 +121,7 @@ class User:
     # Doing
 
     def press(self, name, within=None):
-        """Presses a button once it can be pressed."""
+        """Presses a button as soon as it is enabled."""
         self._ready("push button", name, within).queryAction().doAction(0)
 
     def toggle(self, name):
@@ -129,7 +129,7 @@ class User:
         self._ready("check box", name).queryAction().doAction(0)
 
     def type(self, key):
-        """Presses a key in the uppermost window, to which no window manager gives the keys here."""
+        """Presses a key in the uppermost window, as there is no window manager to focus it."""
         subprocess.run(["xdotool", "windowfocus", "--sync", _display_windows()[-1], "key", key], check=True)
 
     def focus(self, role, name):
@@ -170,7 +170,7 @@ class User:
         field.queryEditableText().setTextContents(folder)
         self.press("Choose", within=lambda: self.dialog(caption))
         self.wait(lambda: self.dialog(caption) is None, "end of the folder dialog")
-        self.type("Shift_L")  # no window manager gives the wizard the keys again
+        self.type("Shift_L")  # gives the wizard the focus again, as there is no window manager
 
     def picture(self, name):
         """Saves a picture of the installer's windows, when pictures are wanted."""
@@ -204,6 +204,6 @@ def _box(item):
 
 
 def _display_windows():
-    """The windows that the display shows, the uppermost last."""
+    """The windows on the display, the uppermost last."""
     search = ["xdotool", "search", "--onlyvisible", "--name", "."]
     return subprocess.run(search, stdout=subprocess.PIPE, text=True, check=False).stdout.split()

@@ -1,8 +1,8 @@
-"""A world in which the installer's own paths exist, laid with bubblewrap; nothing of the machine's is changed.
+"""A world in which the installer's own paths exist, made with bubblewrap; it changes nothing on the machine.
 
-A folder is the root, one mount, so that /Library, /Volumes and the bundle's folder lie on one device, as on a
-Mac with one disk. /usr and /etc lie over it read-only, but for account files
-that have the group `admin` and a plain user.
+One folder, mounted once, is its root, so that /Library, /Volumes and the bundle's folder are on one device, as on a Mac
+with one disk. The machine's /usr and /etc are mounted over it read-only, except for account files that add the group
+`admin` and a plain user.
 """
 
 import os
@@ -25,8 +25,8 @@ FOLDERS = ("Library/Application Support", "Library/Preferences", "Volumes", HOME
 class World:
     """One world under `root`.
 
-    `library_size` gives /Library a disk of its own with so many bytes. `mounts` maps folders of the machine to
-    places in the world, read-only: each is another device to the installer.
+    `library_size` gives /Library a disk of its own of that many bytes. `mounts` maps folders of the machine to read-only
+    places in the world; each is another device to the installer.
     """
 
     def __init__(self, root, bundle, library_size=None, mounts=None):
@@ -37,11 +37,11 @@ class World:
         self.superuser = os.geteuid() == 0
 
     def path(self, inside):
-        """Where `inside`, a path in the world, lies on the machine."""
+        """The path on the machine of `inside`, a path in the world."""
         return self.root / inside.lstrip("/")
 
     def lay(self):
-        """Makes the world's folders afresh."""
+        """Makes the world's folders anew."""
         self.remove()
         for folder in FOLDERS:
             (self.root / folder).mkdir(parents=True)
@@ -86,7 +86,7 @@ class World:
 
     def _add_account(self, kind, name, record):
         lines = Path("/etc", kind).read_text().splitlines()
-        # First: for an ordinary user, the group has root's number.
+        # First, because without root the group has root's number, and the first name for a number wins.
         lines = [f"{name}:{record}", *(line for line in lines if not line.startswith(name + ":"))]
         self._account_file(kind).write_text("\n".join(lines) + "\n")
 
@@ -111,7 +111,7 @@ class World:
 
 
 def environment():
-    """The settings that programs get in any world, of the machine's own only those of the sanitizers."""
+    """The environment of programs in any world; from the machine's own it takes only the sanitizers' options."""
     kept = {name: os.environ[name] for name in os.environ if name.endswith("SAN_OPTIONS")}
     return kept | {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LANG": "C.UTF-8"}
 
