@@ -7,8 +7,8 @@
 
 #include <cstdio>
 
-// What Qt itself takes, to measure the installer against: bench_bare opens a wizard with an empty page;
-// bench_bare SOURCE DESTINATION COUNT TOOL... starts the tool for one file after another.
+// Shows what Qt alone takes, to compare the installer with: bench_bare opens a wizard with an empty page;
+// bench_bare SOURCE DESTINATION COUNT TOOL... runs the tool for one file after another.
 
 namespace {
 
@@ -21,8 +21,8 @@ int wizard(int argc, char *argv[])
     return QApplication::exec();
 }
 
-/// Runs the tool for the source's first `count` files, and keeps a record of each file, as the installer
-/// does.
+/// Runs the tool for the source's first `count` files and, like the installer, keeps a record of each file.
+/// Returns the exit status.
 int startTools(const QStringList &arguments)
 {
     QFileInfoList files;

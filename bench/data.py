@@ -1,4 +1,4 @@
-"""The trees of files that are measured on, made once under build/bench and kept."""
+"""The trees of files for the measurements, made once under build/bench and kept."""
 
 import os
 import shutil
@@ -8,9 +8,9 @@ PLACE = Path(__file__).resolve().parent.parent / "build/bench"
 
 
 def tree(name, folders, data_files, others=0, size=4096, filled=False):
-    """A tree of so many data files and others in each of the folders.
+    """A tree of `folders` folders, each with that many data files and others.
 
-    Only with `filled` do the data files hold bytes; otherwise they are holes of that size.
+    With `filled`, random bytes fill the data files; otherwise they are holes of `size` bytes.
     """
     place = PLACE / name
     if not place.exists():

@@ -1,7 +1,7 @@
 """Measures everything and prints the table; bench/run says the rest.
 
-Every figure is the median of several turns, in which what is compared runs one after the other: the absolute times of a
-busy machine say little.
+Each ratio is the median of several turns, in which the things compared run one after the other, because absolute times
+say little on a busy machine.
 """
 
 import argparse
@@ -20,7 +20,7 @@ TOOLS = {"copy": ("/bin/cp", "-pf"), "move": ("/bin/mv",)}
 CALLS = {"status": ("newfstatat", "statx", "stat", "lstat", "fstat"), "open": ("open", "openat"), "close": ("close",)}
 DROP_CACHES = "/proc/sys/vm/drop_caches"
 THERE, BACK = data.PLACE / "memory/there", data.PLACE / "memory/back"
-# `slow_turns` for what takes minutes; `folders` of 750 data files and 250 others.
+# `slow_turns` is for what takes minutes; each of the `folders` holds 750 data files and 250 others.
 FULL = SimpleNamespace(turns=15, slow_turns=5, folders=200, many_folders=2000, copied=2000)
 QUICK = SimpleNamespace(turns=5, slow_turns=3, folders=20, many_folders=100, copied=100)
 LISTED = 100_000
@@ -55,7 +55,7 @@ class Bench:
         self.copied = data.tree(f"copy-{scale.copied}", 1, scale.copied, filled=True)
 
     def in_turn(self, *runs, turns=None):
-        """What the runs gave in each turn, forwards and backwards, after a first one that doesn't count."""
+        """The results of the runs, turn by turn, in alternating order. A first round doesn't count."""
         for run in runs:
             run()
         results = []
@@ -65,7 +65,7 @@ class Bench:
         return results
 
     def compare(self, figure, measured, *references, turns=None):
-        """A row for each of the references: against what, the goal of the ratio, and how it is run."""
+        """Adds a row for each reference, a tuple of its name, the ratio's goal (None: for information) and what runs it."""
         results = self.in_turn(measured, *(run for _, _, run in references), turns=turns)
         for i, (against, goal, _) in enumerate(references, 1):
             self.rows.append(Row(figure, against, [result[0] / result[i] for result in results], goal))
@@ -109,7 +109,7 @@ class Bench:
             self.rows.append(Row(f"{call} calls of the scan", per, [added / count / self.scale.folders], 1))
 
     def source(self, kind, tree):
-        """The tree, with nothing at the destination yet; for a move a copy of it that may go."""
+        """Empties the destination and returns the tree; for a move, a copy of it, as it won't stay."""
         data.emptied(THERE)
         if kind == "copy":
             return tree

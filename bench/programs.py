@@ -1,4 +1,4 @@
-"""Runs what is measured, once, and says what it took."""
+"""Runs one measured program once and returns what it took."""
 
 import ctypes
 import json
@@ -16,7 +16,7 @@ INSTALLER = BUNDLE / "Contents/MacOS/Lumetra Database Installer"
 WORKERS = BUILD / "bench/bench_workers"
 BARE = BUILD / "bench/bench_bare"
 DRIVER = BUILD / "tests/faults_driver"
-# Of the X protocol.
+# From the X protocol.
 SUBSTRUCTURE_NOTIFY_MASK, MAP_NOTIFY = 1 << 19, 19
 
 sys.path.append(str(ROOT / "tests/faults"))
@@ -30,7 +30,7 @@ def seconds_of(*command):
 
 
 def figures(*command):
-    """What a program without windows says of itself: the installer's own workers, as they ship, or the bare ones."""
+    """What a program without windows reports of itself: bench_workers or bench_bare."""
     return json.loads(subprocess.check_output([str(part) for part in command]))
 
 
@@ -40,19 +40,19 @@ def find(source):
 
 
 def shell_loop(tool, source, destination):
-    """A shell that runs the tool for one file after the other."""
+    """The seconds that a shell takes to run the tool for one file after another."""
     return seconds_of("sh", "-c", f'for file in "$1"/*/*; do {tool} "$file" "$2/"; done', "sh", source, destination)
 
 
 def system_calls(source):
-    """How often a scan makes each system call."""
+    """How many times a scan makes each system call, by its name."""
     summary = subprocess.run(["strace", "-f", "-c", WORKERS, "scan", source], check=True,
                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True).stderr
     return {name: int(count) for count, name in re.findall(r"^ *\S+ +\S+ +\S+ +(\d+) +(?:\d+ +)?(\w+)$", summary, re.M)}
 
 
 def longest_gap(**what):
-    """How long the event loop stood still in a walk through the whole wizard, in milliseconds."""
+    """The longest time that the event loop stood still in a walk through the whole wizard, in milliseconds."""
     case = world.Case("gap", seconds=600, **what)
     seen = world.run(case, str(DRIVER), str(BUNDLE / "Contents"), "")
     if wrong := world.faults_of(case, seen):
@@ -61,7 +61,8 @@ def longest_gap(**what):
 
 
 def start(program):
-    """The seconds from the program's start until the display shows its window, and its memory in kB a while later."""
+    """The seconds from the program's start until the display shows its window, and its resident memory in kB
+    half a second later."""
     x11 = ctypes.CDLL("libX11.so.6")
     x11.XOpenDisplay.restype = ctypes.c_void_p
     display = ctypes.c_void_p(x11.XOpenDisplay(None))

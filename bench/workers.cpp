@@ -11,11 +11,11 @@
 
 #include <malloc.h>
 
-// Runs one of the installer's two workers as the installer does and prints, as JSON, what it took.
+// Runs one of the installer's two workers as the installer does and prints what it took as JSON.
 
 namespace {
 
-/// Starts the worker and lets the event loop run until it has ended. Returns the seconds from start to end.
+/// Starts the worker and runs the event loop until the worker ends. Returns the seconds from start to end.
 double secondsOf(QThread &worker)
 {
     QObject::connect(&worker, &QThread::finished, qApp, &QCoreApplication::quit);
@@ -50,12 +50,11 @@ size_t heapInUse()
     std::printf("{\"seconds\": %.6f, \"files\": %d, \"heap\": %zu, \"bare\": %zu}\n", seconds,
         sResultList.size(), after - before, heapInUse() - after);
     std::fflush(stdout);
-    // Without freeing the lists, for which the allocator reads a file of the system's: it would count among
-    // the scan's.
+    // Frees no list, as the allocator would read a system file, which would count as one of the scan's calls.
     std::_Exit(0);
 }
 
-/// Copies or moves the list's first `count` files, once the source's files and others stand in the list.
+/// Scans the source, then copies or moves the first `count` files of the list. Returns the exit status.
 int install(const QString &source, const QString &destination, int count, bool move)
 {
     {
