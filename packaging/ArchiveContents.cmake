@@ -1,4 +1,4 @@
-# Read by cpack once per kind of package: the tar.gz goes without Debian's files.
+# cpack reads this once for each kind of package; it leaves Debian's files out of the tar.gz.
 if(CPACK_GENERATOR STREQUAL TGZ)
     list(GET CPACK_INSTALL_CMAKE_PROJECTS 0 build_folder)
     list(GET CPACK_INSTALL_CMAKE_PROJECTS 1 project_name)

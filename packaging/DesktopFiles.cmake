@@ -1,5 +1,5 @@
-# What desktops and terminals find the installer by. Qt names its windows after the command; a desktop entry of the same
-# name is how a desktop knows whose windows they are.
+# The files by which desktops and terminals find the installer. Qt names its windows after the command, and a desktop
+# recognises them by the desktop entry of the same name.
 set(command ${CPACK_PACKAGE_NAME})
 
 file(CREATE_LINK "../${bundle_folder}/MacOS/${BUNDLE_NAME}" "${CMAKE_CURRENT_BINARY_DIR}/${command}" SYMBOLIC)

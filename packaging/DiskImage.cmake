@@ -8,7 +8,7 @@ set(QT_PROGRAMS [==[${qt_programs}]==])
 set(SIGNING_IDENTITY [==[${SIGNING_IDENTITY}]==])")
 install(SCRIPT FinishBundle.cmake)
 
-# An image is read-only once it is made.
+# The database goes in now, because a finished image is read-only.
 set(DATABASE_FOLDER "" CACHE PATH "Folder of data files to lay beside the bundle in the disk image, as Lumetra")
 if(DATABASE_FOLDER)
     if(NOT IS_DIRECTORY "${DATABASE_FOLDER}")

@@ -1,12 +1,13 @@
-# Readies a bundle for other Macs: puts Qt into it, makes sure that it needs nothing else from outside, signs it from the
+# Prepares a bundle for other Macs: puts Qt into it, checks that it needs nothing else from outside, signs it from the
 # inside out and verifies the signature. A step that fails ends the packaging.
 #
 # BUNDLE            the bundle as it was built
-# QT_PROGRAMS       folder to look for macdeployqt in, before PATH
-# SIGNING_IDENTITY  whom codesign signs for; "-" is an ad-hoc signature, without which Apple silicon starts no program
+# QT_PROGRAMS       the folder in which to look for macdeployqt before PATH
+# SIGNING_IDENTITY  the identity that codesign signs with; "-" signs ad hoc, as Apple silicon starts no unsigned program
 cmake_minimum_required(VERSION 3.21)
 
-# Sets RESULT to the programs and libraries in the bundle: what begins as Mach-O does, for one architecture or for several.
+# Sets RESULT to the programs and libraries in the bundle: the files that begin with a Mach-O header, of one architecture
+# or of several.
 function(list_binaries result)
     set(binaries "")
     file(GLOB_RECURSE files LIST_DIRECTORIES false "${BUNDLE}/Contents/*")
@@ -76,7 +77,7 @@ if(complaint)
     message(FATAL_ERROR "Linked from outside the bundle:${complaint}")
 endif()
 
-# A framework is signed as one with the library in it, the bundle with its program.
+# codesign signs a framework together with the library in it, and the bundle together with its program.
 file(GLOB frameworks "${BUNDLE}/Contents/Frameworks/*.framework")
 list(REMOVE_ITEM binaries "${program}")
 list(FILTER binaries EXCLUDE REGEX "\\.framework/")

@@ -1,7 +1,7 @@
 set(package_folder lib/${CPACK_PACKAGE_NAME})
 set(bundle_folder "${package_folder}/${BUNDLE_NAME}.app/Contents")
 
-# The programs apart from the rest, so that the packages get them without their symbols.
+# Installs the programs as targets, so that the packages get them without their symbols.
 install(DIRECTORY "${BUNDLE_CONTENTS}/" DESTINATION "${bundle_folder}" COMPONENT bundle
     PATTERN MacOS EXCLUDE
     PATTERN Helpers EXCLUDE)
@@ -15,7 +15,7 @@ install(FILES "${CMAKE_CURRENT_BINARY_DIR}/com.brindle.lumetra-installer.policy"
 
 include(${CMAKE_CURRENT_SOURCE_DIR}/DesktopFiles.cmake)
 
-# Debian asks every package for its changes and its copyright.
+# Debian requires a changelog and a copyright file in every package.
 set(SHORT_NAME ${CPACK_PACKAGE_NAME})
 set(doc_folder share/doc/${CPACK_PACKAGE_NAME})
 string(TIMESTAMP RELEASE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
@@ -42,5 +42,5 @@ set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_BINARY_DIR}/postinst" "${CMAKE_CURRENT_BINARY_DIR}/postrm")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# No installation is recorded without an administrator's rights.
+# pkexec, because an installation can be recorded only with an administrator's rights.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, pkexec")

@@ -1,9 +1,9 @@
-# Raises CMAKE_OSX_DEPLOYMENT_TARGET to the oldest macOS that the linked Qt itself runs on; Info.plist asks for the result.
+# Raises CMAKE_OSX_DEPLOYMENT_TARGET to the oldest macOS that the linked Qt runs on; Info.plist requires the result.
 get_target_property(qt_library Qt${INSTALLER_QT}::Core LOCATION)
 execute_process(COMMAND otool -arch all -l "${qt_library}" OUTPUT_VARIABLE load_commands COMMAND_ERROR_IS_FATAL ANY)
 
-# One for each architecture, as LC_BUILD_VERSION or as the older LC_VERSION_MIN_MACOSX. The lowest counts: Apple silicon
-# starts with 11, and an Intel half may go back further.
+# Each architecture has a minimum of its own, in LC_BUILD_VERSION or in the older LC_VERSION_MIN_MACOSX. The lowest counts:
+# Apple silicon starts with 11, and the Intel half may run on older systems.
 string(REGEX MATCHALL "minos +[0-9.]+|LC_VERSION_MIN_MACOSX[ \n]+cmdsize +[0-9]+[ \n]+version +[0-9.]+" versions
     "${load_commands}")
 list(TRANSFORM versions REPLACE "^.* " "")

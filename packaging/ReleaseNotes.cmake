@@ -1,4 +1,4 @@
-# Sets RELEASE_NOTES to what CHANGELOG.md lists for this version: one line of XML, <li>…</li>, for each item.
+# Sets RELEASE_NOTES to the items that CHANGELOG.md lists for this version, each as one line of XML, <li>…</li>.
 file(READ "${CMAKE_SOURCE_DIR}/CHANGELOG.md" notes)
 string(REPLACE "." "\\." version "${PROJECT_VERSION}")
 if(NOT notes MATCHES "\n## \\[?${version}[] \n].*")

@@ -1,5 +1,5 @@
-# Packs the finished tar.gz anew, sorted and owned by root: cpack takes the files in the order in which the disk lists
-# them and under the account that packs.
+# Packs the finished tar.gz again, sorted and owned by root, because cpack adds the files in the order in which the disk
+# lists them and under the account that packs.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
     if(NOT package MATCHES "\\.tar\\.gz$")
         continue()

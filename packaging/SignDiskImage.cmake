@@ -1,5 +1,5 @@
-# Signs the finished image: a program on an unsigned one that was downloaded is started from a random place, where it
-# doesn't find the folder beside it. An image without its signature is removed, since cpack would lay it out all the same.
+# Signs the finished image: macOS starts a program on an unsigned, downloaded image from a random place, where it doesn't
+# find the folder beside it. Removes an image that can't be signed, since cpack would deliver it all the same.
 foreach(image IN LISTS CPACK_PACKAGE_FILES)
     execute_process(COMMAND codesign --timestamp --sign "${CPACK_SIGNING_IDENTITY}" "${image}" RESULT_VARIABLE failed)
     if(NOT failed)
