@@ -3,7 +3,6 @@
 import os
 import plistlib
 import pwd
-import shutil
 import signal
 import subprocess
 from dataclasses import dataclass
@@ -13,7 +12,6 @@ from typing import Callable
 import walks
 from sandbox import database, rights
 from sandbox.rights import Agent, BUNDLE, CHECKOUT, PASSWORD, PLAIN
-from sandbox.user import Unexpected
 from sandbox.world import DATABASE, HOME, PREFERENCE
 from walks import DEFAULT, NO_ACCESS, NOT_WRITABLE, NOTICE, READY, TO_INSTALL, TO_SHARE, expect, owner
 
@@ -245,6 +243,12 @@ def kill_helpers_at_first_file():
         os.kill(process, signal.SIGKILL)
 
 
+def folder(path, user="root", group="root"):
+    Path(path).mkdir(parents=True)
+    rights.run("chown", f"{user}:{group}", path)
+    return path
+
+
 CASES = {
     "move": Case(attended(asked=SENTENCE), install_policy, installed_for_all),
     "copy": Case(copy(), small_library, installed_for_all),
@@ -278,88 +282,3 @@ CASES = {
                               lambda: Path(PREFERENCE).write_text("not a list"),
                               lambda _: expect(Path(PREFERENCE).read_text(), "not a list")),
 }
-
-
-# The folder functions, each code by what the system refuses
-
-class Probe:
-    """The plain user's process that calls them."""
-
-    def __init__(self, password=None):
-        self._process = subprocess.Popen([f"{BUNDLE}/Contents/MacOS/probe", "-platform", "offscreen"], text=True,
-                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                         user=PLAIN, group=PLAIN, extra_groups=[])
-        self.agent = Agent(self._process.pid, password, as_plain=True) if password else None
-
-    def expect(self, code, *words):
-        self._process.stdin.write("\t".join(words) + "\n")
-        self._process.stdin.flush()
-        found = int(self._process.stdout.readline())
-        if found != code:
-            raise Unexpected(f"{' '.join(words)}: expected {code}, not {found}")
-
-
-def folder(path, user="root", group="root"):
-    Path(path).mkdir(parents=True)
-    rights.run("chown", f"{user}:{group}", path)
-    return path
-
-
-def shared_folders():
-    without_rights()
-    with_failing_tools()
-    with_rights()
-
-
-def without_rights():
-    roots, own = folder("/Library/of root"), folder(f"{HOME}/own", PLAIN, PLAIN)
-    admins = folder("/Library/of admin", group="admin")
-    disk = folder("/Volumes/Disc")
-    strangers, groups = folder(f"{disk}/a", PLAIN, PLAIN), folder(f"{disk}/b", PLAIN, "admin")
-    rights.mount(disk, disk, "--bind")
-    rights.mount(disk, disk, "-o", "remount,bind,ro")
-    probe = Probe()
-    for code, *call in (
-            (0, "scope", "0"), (0, "fixup", "/nowhere"), (3, "product", f"{roots}/x"), (5, "resource", f"{roots}/x", "y"),
-            (0, "scope", "1"), (1, "fixup", "/nowhere"), (2, "fixup", "/etc/passwd"), (2, "verify", "/etc", "passwd"),
-            (4, "fixup", strangers), (6, "fixup", groups),
-            (1, "verify", "/etc/passwd/x", "y"), (1, "verify", own, "y" * 300), (1, "verify", own, "y" * 4095),
-            # Nobody can be asked; the reference that is left holds no rights.
-            (0, "free"), (4, "fixup", roots), (3, "fixup", roots), (5, "fixup", admins),
-            (1, "product", f"{roots}/x"), (1, "resource", f"{roots}/x", "y"),
-            (0, "free"), (4, "product", f"{roots}/x"), (0, "free"), (4, "resource", f"{roots}/x", "y")):
-        probe.expect(code, *call)
-    expect(os.listdir(roots), [])
-
-
-def with_failing_tools():
-    """A tool that can't be started fails its step; the last needs one that goes away between two steps."""
-    probe = Probe(PASSWORD)
-    tools = "/usr/bin"
-
-    def resource(code):
-        probe.expect(code, "resource", PARENT, "Lumetra")
-        shutil.rmtree(PARENT)
-
-    rights.mount("/dev/null", f"{tools}/chown", "--bind")
-    probe.expect(2, "product", "/Library/Lumetra_1")
-    resource(4)
-    rights.mount("/dev/null", f"{tools}/chgrp", "--bind")
-    resource(2)
-    rights.run("umount", f"{tools}/chgrp", f"{tools}/chown")
-    Path(f"{tools}/chgrp").rename(f"{tools}/chgrp.whole")
-    Path(f"{tools}/chgrp").write_text(f"#!/bin/sh\nchmod a-x {tools}/mkdir\n")
-    os.chmod(f"{tools}/chgrp", 0o755)
-    resource(3)
-    Path(f"{tools}/chgrp.whole").rename(f"{tools}/chgrp")
-    os.chmod(f"{tools}/mkdir", 0o755)
-
-
-def with_rights():
-    probe = Probe(PASSWORD)
-    for before in (nothing, lambda: folder(PARENT, group="staff")):
-        before()
-        probe.expect(0, "verify", PARENT, "Lumetra")
-        expect((owner(PARENT), owner(DEFAULT)), (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
-        shutil.rmtree(PARENT)
-    expect(probe.agent.prompts, 1)
