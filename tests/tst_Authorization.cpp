@@ -142,6 +142,16 @@ private slots:
             OSStatus(reached.isEmpty() ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess));
     }
 
+    void nothingIsMadeInTheSystemsFolders()
+    {
+        const QString system = "/var/tmp/" + QFileInfo(tree->path()).fileName();
+        QVERIFY(QDir().mkdir(system) && QFile::link(system, tree->path("way")));
+        for (const QString &parent : {system, tree->path("way")})
+            QCOMPARE(run("/bin/mkdir", {"-m", "755", QFile::encodeName(parent + "/Lumetra")}),
+                OSStatus(errAuthorizationToolExecuteFailure));
+        QVERIFY(QDir().rmdir(system));
+    }
+
     void newFolderHasTheModeThatIsAskedFor()
     {
         QCOMPARE(run("/bin/mkdir", {"-m", "775", folder}), OSStatus(errAuthorizationSuccess));

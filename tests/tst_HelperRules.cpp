@@ -74,6 +74,17 @@ private slots:
         QTEST(isAllowed, "isAllowed");
     }
 
+    void nothingIsMadeInTheSystemsFolders()
+    {
+        for (const char *parent : {"/usr", "/usr/share/vim/vim90/pack", "/etc", "/bin", "/sbin", "/lib",
+                 "/lib64/x", "/boot", "/dev/shm", "/proc/1", "/sys", "/run", "/run/mediax", "/var/tmp",
+                 "/root", "", "(unreachable)/mnt"})
+            QVERIFY2(!parentRefusal(parent).empty(), parent);
+        for (const char *parent : {"/", "/opt", "/home/a/usr", "/mnt", "/media/a/b", "/Volumes/Disc",
+                 "/Library", "/Users", "/srv", "/usrx", "/run/media", "/run/media/a/b"})
+            QVERIFY2(parentRefusal(parent).empty(), parent);
+    }
+
     void withoutTheGroupNoneIsGiven()
     {
         QVERIFY(!ruleFor({"/usr/bin/chgrp", {"-1", "/Lumetra"}, {}}, {1000, {}}));

@@ -69,6 +69,13 @@ Descriptor walk(std::string path, std::string &refusal)
     return folder;
 }
 
+/// Where the folder lies now, with no link on the way.
+std::string realPath(const Descriptor &folder)
+{
+    std::error_code failure;
+    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder.get()), failure).string();
+}
+
 bool isSame(const struct stat &one, const struct stat &other)
 {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
@@ -84,6 +91,9 @@ Descriptor HelperFolders::open(
     if (!parent)
         return parent;
     if (kinds & New) {
+        refusal = parentRefusal(realPath(parent));
+        if (!refusal.empty())
+            return Descriptor();
         if (made.size() < mostFolders)
             return parent;
         refusal = "more folders than an installation makes";

@@ -10,6 +10,11 @@ constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
 constexpr char list[] = "/Library/Preferences/com.brindle.CorvaneLumetra";
 constexpr char key[] = "LumetraFullDatabasePath";
 
+/// Folders of the system's, with all below them: programs of root's look for plug-ins there, and one can be
+/// named after a database. So are all whose names begin with "/lib".
+constexpr const char *systemFolders[] = {
+    "/usr", "/etc", "/bin", "/sbin", "/boot", "/dev", "/proc", "/sys", "/run", "/var", "/root"};
+
 constexpr HelperRule rules[] = {
     {"/bin/mkdir", {"-m", "755", "<folder>"}, New},
     {"/bin/mkdir", {"-m", "775", "<folder>"}, New},
@@ -80,6 +85,17 @@ std::string pathRefusal(const std::string &path)
     if (path != productFolder && !isDatabaseName(path.substr(path.rfind('/') + 1)))
         return "the folder is none that an installation makes";
     return {};
+}
+
+std::string parentRefusal(const std::string &parent)
+{
+    if (parent.empty() || parent[0] != '/')
+        return "the parent has no path";
+    const std::string top = parent.substr(0, parent.find('/', 1));
+    const bool isSystems = top.compare(0, 4, "/lib") == 0
+        || std::find(std::begin(systemFolders), std::end(systemFolders), top) != std::end(systemFolders);
+    const bool isDisk = (parent + "/").compare(0, 11, "/run/media/") == 0;
+    return isSystems && !isDisk ? parent + " is the system's" : std::string();
 }
 
 bool isShared(const std::string &path)

@@ -34,5 +34,8 @@ const HelperRule *ruleFor(const HelperRequest &request, const HelperCaller &call
 /// Why no command may be about a folder of that path; empty when one may.
 std::string pathRefusal(const std::string &path);
 
+/// Why no folder may be made in this one, named by its real path; empty when one may.
+std::string parentRefusal(const std::string &parent);
+
 /// Whether it is the path of one of the Shared folders.
 bool isShared(const std::string &path);
