@@ -14,7 +14,7 @@ public:
     HelperProcess(const HelperProcess &) = delete;
     HelperProcess &operator=(const HelperProcess &) = delete;
 
-    /// Starts it and waits for its word that it is ready; it ends with the calling thread. The result is a
+    /// Starts it and waits for its word that it is ready; it ends with this process. The result is a
     /// status of AuthorizationCopyRights; `prompt` opens the line on standard error that says that nothing
     /// here can ask.
     OSStatus start(const std::string &prompt);

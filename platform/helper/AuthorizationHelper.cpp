@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <grp.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <syslog.h>
 
@@ -112,6 +111,9 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
         if (!refusal.empty())
             return refusal + ": " + description;
     }
+    // Opening the way can take longer than the peer lives.
+    if (peer.hasEnded())
+        return "nobody waits for it any more: " + description;
     syslog(LOG_NOTICE, "user %u runs %s", caller.user, printable(description).c_str());
     HelperTool tool = startTool(command);
     if (!tool.refusal.empty())
@@ -128,8 +130,6 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
 int main()
 {
     HelperPeer peer(STDIN_FILENO, std::getenv("PKEXEC_UID"));
-    // A disk that doesn't answer could hold this process where it doesn't see its peer's end.
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (!shedSurroundings() || !peer.identify())
         return EXIT_FAILURE;
     openlog("lumetra-installer", LOG_PID, LOG_AUTHPRIV);

@@ -47,13 +47,16 @@ HelperPeer::HelperPeer(int socketDescriptor, const char *askingUser)
 
 bool HelperPeer::identify()
 {
-    // Only packets tell an end from an empty request.
+    // A stream has no boundaries between requests.
     int type = 0;
     socklen_t typeSize = sizeof type;
+    int domain = 0;
+    socklen_t domainSize = sizeof domain;
     ucred credentials{};
     socklen_t size = sizeof credentials;
     const int on = 1;
     if (getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &typeSize) != 0 || type != SOCK_SEQPACKET
+        || getsockopt(socket, SOL_SOCKET, SO_DOMAIN, &domain, &domainSize) != 0 || domain != AF_UNIX
         || getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
         || setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0)
         return false;
@@ -92,6 +95,12 @@ Packet HelperPeer::receive() const
     packet.bytes.resize(length > 0 ? static_cast<size_t>(length) : 0);
     packet.refusal = length < 0 ? std::strerror(errno) : refusalOf(message, process);
     return packet;
+}
+
+bool HelperPeer::hasEnded() const
+{
+    pollfd ends[] = {{socket, POLLRDHUP, 0}, {lifetime.get(), POLLIN, 0}};
+    return poll(ends, 2, 0) != 0;
 }
 
 void HelperPeer::answer(const std::string &refusal, const Descriptor &connection) const

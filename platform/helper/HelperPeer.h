@@ -27,6 +27,8 @@ public:
     /// True when there is something to receive, false when the process has died or closed its end.
     bool waitForPacket() const;
     Packet receive() const;
+    /// Whether the process has died or closed its end. Doesn't wait.
+    bool hasEnded() const;
 
     /// Answers a request: with the connection to the tool that was started, or with why none was.
     void answer(const std::string &refusal, const Descriptor &connection) const;
