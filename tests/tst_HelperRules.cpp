@@ -1,7 +1,10 @@
 #include "Fixture.h"
 
+#include "platform/HelperPlace.h"
 #include "platform/helper/HelperProtocol.h"
 #include "platform/helper/HelperRules.h"
+
+#include <sys/stat.h>
 
 class tst_HelperRules : public QObject {
     Q_OBJECT
@@ -49,6 +52,7 @@ private slots:
             "/bin/mkdir|-m|755|" + product + "/x", "/usr/bin/chgrp|0|/a/Lumetra",
             "/usr/bin/chgrp|-1|/a/Lumetra", "/usr/bin/chgrp|27|/etc",
             "/usr/bin/chgrp|--reference=/etc|/a/Lumetra", "/usr/sbin/chown|0|/a/Lumetra",
+            "/usr/sbin/chown|1000|" + product, "/usr/sbin/chown|-h|1000:27|" + product,
             "/usr/sbin/chown|root|/a/Lumetra", "/usr/sbin/chown|1000:0|/a/Lumetra",
             "/usr/sbin/chown|:27|/a/Lumetra", "/usr/sbin/chown|1000:|/a/Lumetra",
             "/usr/sbin/chown|-R|1000|/a/Lumetra", "/usr/sbin/chown|1000|/etc/shadow",
@@ -56,9 +60,10 @@ private slots:
             "/usr/bin/defaults|write|/etc/cron.d/x|a|b", "/usr/bin/defaults|write|" + list,
             "/usr/bin/defaults|write|" + list + "|", "/usr/bin/defaults|write|" + list + "|a|b",
             "/usr/bin/defaults|write|" + list + "x|a", "/usr/bin/defaults|read|" + list,
-            "/usr/bin/defaults|delete|" + list + "|a"};
+            "/usr/bin/defaults|delete|" + list + "|a",
+            "/usr/bin/defaults|write|" + list + "|" + QString(4096, 'x')};
         for (const QString &words : refused)
-            QTest::newRow(words.left(80).toUtf8()) << words << false;
+            QTest::newRow(words.left(100).toUtf8()) << words << false;
     }
 
     void onlyWhatAnInstallationNeedsIsAllowed()
@@ -90,6 +95,20 @@ private slots:
         QVERIFY(!ruleFor({"/usr/bin/chgrp", {"-1", "/Lumetra"}, {}}, {1000, {}}));
         QVERIFY(!ruleFor({"/usr/sbin/chown", {"1000:-1", "/Lumetra"}, {}}, {1000, {}}));
         QVERIFY(ruleFor({"/usr/sbin/chown", {"1000", "/Lumetra"}, {}}, {1000, {}}));
+    }
+
+    void replaceableFileIsSeen()
+    {
+        const Tree tree;
+        const QByteArray file = tree.file("a/b/file").toUtf8();
+        const auto isReplaceable = [&](mode_t folderMode, mode_t fileMode) {
+            return chmod(tree.path("a").toUtf8(), folderMode) == 0 && chmod(file, fileMode) == 0
+                && isReplaceableByAnyone(tree.path("a/b/../b/file").toStdString());
+        };
+        QVERIFY(!isReplaceable(0775, 0775));
+        QVERIFY(isReplaceable(0755, 0757));
+        QVERIFY(isReplaceable(0777, 0755));
+        QVERIFY(!isReplaceable(01777, 0755));
     }
 };
 

@@ -12,6 +12,7 @@
 #include <grp.h>
 #include <sys/stat.h>
 #include <syslog.h>
+#include <unistd.h>
 
 // Runs as root for one installer: started by it through polkit, it starts the few tools that need the
 // superuser, and ends when the installer lets go of the socket or dies.
@@ -53,7 +54,7 @@ std::string printable(std::string line)
     line = line.substr(0, longest);
     for (char &character : line) {
         const auto byte = static_cast<unsigned char>(character);
-        if (byte < ' ' || byte == 0x7F)
+        if (byte < ' ' || byte > '~')
             character = '?';
     }
     return line;
@@ -66,8 +67,11 @@ std::string described(const HelperRequest &request, bool isAboutFolder)
     if (isAboutFolder)
         std::rotate(arguments.begin(), arguments.end() - 1, arguments.end());
     std::string line = request.tool;
-    for (const std::string &argument : arguments)
+    for (std::string &argument : arguments) {
+        // So that none can seem to be two.
+        std::replace(argument.begin(), argument.end(), '\'', '?');
         line += " '" + argument + "'";
+    }
     return line;
 }
 
@@ -129,7 +133,11 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
 
 int main()
 {
-    HelperPeer peer(STDIN_FILENO, std::getenv("PKEXEC_UID"));
+    const char *askingUser = std::getenv("PKEXEC_UID");
+    // As `pkexec --user` has it.
+    if (askingUser && geteuid() != 0)
+        return EXIT_FAILURE;
+    HelperPeer peer(STDIN_FILENO, askingUser);
     if (!shedSurroundings() || !peer.identify())
         return EXIT_FAILURE;
     openlog("lumetra-installer", LOG_PID, LOG_AUTHPRIV);

@@ -14,7 +14,7 @@ constexpr int openedFolder = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 /// As many as the kernel follows.
 constexpr int mostLinks = 40;
 /// An installation makes two.
-constexpr size_t mostFolders = 8;
+constexpr int mostFolders = 8;
 
 struct stat statusOf(const Descriptor &descriptor)
 {
@@ -94,7 +94,7 @@ Descriptor HelperFolders::open(
         refusal = parentRefusal(realPath(parent));
         if (!refusal.empty())
             return Descriptor();
-        if (made.size() < mostFolders)
+        if (madeCount < mostFolders)
             return parent;
         refusal = "more folders than an installation makes";
         return Descriptor();
@@ -114,11 +114,13 @@ Descriptor HelperFolders::open(
 
 void HelperFolders::remember(const Descriptor &parent, const std::string &name)
 {
+    ++madeCount;
     Descriptor folder(openat(parent.get(), name.c_str(), openedFolder));
     std::error_code failure;
     const bool isEmpty =
         std::filesystem::is_empty("/proc/self/fd/" + std::to_string(folder.get()), failure) && !failure;
-    if (folder && isEmpty && statusOf(folder).st_uid == 0)
+    const struct stat status = statusOf(folder);
+    if (folder && isEmpty && status.st_uid == 0 && status.st_gid == 0)
         made.push_back(std::move(folder));
 }
 

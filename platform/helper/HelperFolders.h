@@ -14,8 +14,8 @@ public:
     /// with a reason, when that can't be.
     Descriptor open(const std::string &path, unsigned kinds, uid_t caller, std::string &refusal) const;
 
-    /// Takes note of a folder that mkdir has made in the open one. What isn't empty or root's has been put in
-    /// its place since.
+    /// Remembers the folder that mkdir just made in `parent`, and counts it. One that isn't empty, or whose
+    /// owner or group isn't root, has been swapped in, or has a set-group-id parent, and is only counted.
     void remember(const Descriptor &parent, const std::string &name);
 
 private:
@@ -23,4 +23,6 @@ private:
 
     /// Held open: no other folder can get the number of one of them.
     std::vector<Descriptor> made;
+    /// Those that weren't remembered too.
+    int madeCount = 0;
 };

@@ -19,10 +19,10 @@ constexpr HelperRule rules[] = {
     {"/bin/mkdir", {"-m", "755", "<folder>"}, New},
     {"/bin/mkdir", {"-m", "775", "<folder>"}, New},
     {"/usr/bin/chgrp", {"<admin>", "<folder>"}, Made | Shared},
-    {"/usr/sbin/chown", {"<user>", "<folder>"}, Made},
-    {"/usr/sbin/chown", {"<user>:<admin>", "<folder>"}, Made},
-    {"/usr/sbin/chown", {"-h", "<user>", "<folder>"}, Made},
-    {"/usr/sbin/chown", {"-h", "<user>:<admin>", "<folder>"}, Made},
+    {"/usr/sbin/chown", {"<user>", "<database>"}, Made},
+    {"/usr/sbin/chown", {"<user>:<admin>", "<database>"}, Made},
+    {"/usr/sbin/chown", {"-h", "<user>", "<database>"}, Made},
+    {"/usr/sbin/chown", {"-h", "<user>:<admin>", "<database>"}, Made},
     {"/bin/chmod", {"0775", "<folder>"}, Made | Shared | Own},
     {"/usr/bin/defaults", {"write", list, key, "<value>"}},
     {"/usr/bin/defaults", {"delete", list, key}},
@@ -33,6 +33,8 @@ bool fits(std::string_view word, const std::string &argument, const HelperCaller
     const std::string user = std::to_string(caller.user);
     if (word == "<folder>")
         return true;
+    if (word == "<database>")
+        return argument != productFolder;
     if (word == "<value>")
         return !argument.empty() && argument.size() < PATH_MAX;
     if (word == "<user>")
