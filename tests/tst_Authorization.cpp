@@ -104,24 +104,23 @@ private slots:
     {
         QTest::addColumn<QString>("making");
         QTest::addColumn<QByteArray>("reached");
-        const QByteArray none;
         QTest::newRow("own folder") << "mkdir Lumetra" << QByteArray("./Lumetra\n");
-        QTest::newRow("another's folder") << "mkdir Lumetra; chown 1 Lumetra" << none;
-        QTest::newRow("file") << "touch Lumetra" << none;
-        QTest::newRow("link in its place") << "mkdir a; ln -s a Lumetra" << none;
+        QTest::newRow("another's folder") << "mkdir Lumetra; chown 1 Lumetra" << QByteArray();
+        QTest::newRow("file") << "touch Lumetra" << QByteArray();
+        QTest::newRow("link in its place") << "mkdir a; ln -s a Lumetra" << QByteArray();
         const auto onTheWay = [](const char *name, const QString &making, const QByteArray &reached) {
             QTest::newRow(name) << "mkdir -p a/Lumetra b; ln -s ../a b/way;" + making + "; echo /b/way"
                                 << reached;
         };
         onTheWay("root's link", ":", "./a/Lumetra\n");
         onTheWay("root's link from the top", "ln -sfn $PWD/a b/way", "./a/Lumetra\n");
-        onTheWay("another's link", "chown -h 1 b/way", none);
-        onTheWay("root's link to another's", "ln -sfn c b/way; ln -s ../a b/c; chown -h 1 b/c", none);
-        onTheWay("root's link in another's folder", "chown 1 b", none);
-        onTheWay("root's link where a group can write", "chmod 770 b", none);
-        onTheWay("root's link where all can write", "chmod 1777 b", none);
-        onTheWay("link to itself", "ln -sfn way b/way", none);
-        onTheWay("link to a file", "ln -sfn /etc/passwd b/way", none);
+        onTheWay("another's link", "chown -h 1 b/way", {});
+        onTheWay("root's link to another's", "ln -sfn c b/way; ln -s ../a b/c; chown -h 1 b/c", {});
+        onTheWay("root's link in another's folder", "chown 1 b", {});
+        onTheWay("root's link where a group can write", "chmod 770 b", {});
+        onTheWay("root's link where all can write", "chmod 1777 b", {});
+        onTheWay("link to itself", "ln -sfn way b/way", {});
+        onTheWay("link to a file", "ln -sfn /etc/passwd b/way", {});
     }
 
     void onlyTheFolderThatIsNamedIsReached()
@@ -196,11 +195,9 @@ private slots:
 
     void eightFoldersAreMadeAtTheMost()
     {
-        for (int i = 0; i < 8; ++i) {
-            // As when each is renamed before the helper looks at it.
-            const Mount nothingMade("/bin/true", "/bin/mkdir");
+        const Mount nothingMade("/bin/true", "/bin/mkdir"); // as when each is renamed at once
+        for (int i = 0; i < 8; ++i)
             QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
-        }
         QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationToolExecuteFailure));
     }
 
@@ -223,9 +220,8 @@ private slots:
         const int tool = startHangingTool(&pipe);
         umask(mask);
         close(inherited);
-        const auto variable = [](const char *text) { return QByteArray(text) + '\0'; };
         QTRY_COMPARE_WITH_TIMEOUT(proc(tool, "environ"),
-            variable("PATH=/usr/sbin:/usr/bin:/sbin:/bin") + variable("LC_ALL=C"), patience);
+            QByteArray("PATH=/usr/sbin:/usr/bin:/sbin:/bin|LC_ALL=C|").replace('|', '\0'), patience);
         QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), tree->path());
         QVERIFY(proc(tool, "status").contains("Umask:\t0022\n"));
         // But the thread library's two, which can't be reset.
@@ -263,8 +259,7 @@ private slots:
             execl(helperPath().c_str(), "helper", nullptr);
         }
         close(ends[1]);
-        const QByteArray nul(1, '\0');
-        QByteArray packet = "/bin/mkdir" + nul + "-m" + nul + "755" + nul + folder + nul;
+        QByteArray packet = QByteArray("/bin/mkdir|-m|755|" + folder + "|").replace('|', '\0');
         iovec span{packet.data(), size_t(packet.size())};
         alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
         msghdr message{nullptr, 0, &span, 1, control, sizeof control, 0};
