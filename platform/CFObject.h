@@ -2,8 +2,8 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-/// What every reference points at. Nothing here is retained, so an object has one owner, who got it from a
-/// Create or Copy function and whose CFRelease deletes it; a constant has none.
+/// What every reference points at. There is no reference counting: whoever got an object from a Create or
+/// Copy function owns it, and CFRelease deletes it. Constants are never deleted.
 struct CFObject {
     enum Type : CFTypeID { String = 1, Url, Bundle, OtherValue };
     enum Lifetime { Owned, Constant };

@@ -5,7 +5,7 @@
 
 namespace {
 
-// A handler reaches nothing else.
+// Global because a signal handler gets no context.
 volatile std::sig_atomic_t caughtSignal = 0;
 int wakeUp = -1;
 

@@ -5,6 +5,6 @@
 /// Where the helper lies in this program's bundle.
 std::string helperPath();
 
-/// Whether any account of the computer could put another file in this one's place: it or a folder above it is
-/// writable for all. A folder in which each account can only replace its own files (sticky) counts as safe.
+/// Whether any account could replace the file: it, or a folder above it, is world-writable. Sticky folders
+/// count as safe, since accounts can replace only their own files there.
 bool isReplaceableByAnyone(const std::string &path);

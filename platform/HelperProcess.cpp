@@ -20,7 +20,7 @@ namespace {
 // Never looked for on the user's PATH.
 constexpr const char *pkexec = "/usr/bin/pkexec";
 
-/// What starts a process and takes more than this is broken; people don't wait in it.
+/// Milliseconds to wait for the helper to answer or exit. No user is involved, so anything longer is a hang.
 constexpr int answerLimit = 30000;
 constexpr int endLimit = 5000;
 
@@ -41,7 +41,7 @@ bool isReadable(int descriptor, int limit)
     return count > 0;
 }
 
-/// This process's environment with messages in the language that they are told apart in.
+/// This environment with LC_ALL=C, because pkexec's messages are matched in English.
 std::vector<char *> plainEnvironment()
 {
     static char locale[] = "LC_ALL=C";
@@ -112,7 +112,7 @@ OSStatus HelperProcess::start(const std::string &prompt)
     pollfd sources[] = {{socket.get(), POLLIN, 0}, {endSignals.descriptor(), POLLIN, 0}};
     OSStatus status = errAuthorizationInternal;
     if (process > 0) {
-        // As long as the user takes.
+        // No limit: the user is typing a password.
         while (poll(sources, 2, -1) < 0 && errno == EINTR) { }
         status = sources[1].revents ? errAuthorizationCanceled : awaitReady(errorEnd.get(), prompt);
     }
@@ -130,8 +130,8 @@ OSStatus HelperProcess::awaitReady(int errorEnd, const std::string &prompt)
     return statusOfFailedStart(errorEnd, prompt);
 }
 
-/// pkexec has ended: its exit status tells a dismissal from a refusal, and its message that it had no one to
-/// ask.
+/// pkexec has exited: its status tells a dismissed dialog from a refusal, its message that no agent was there
+/// to ask.
 OSStatus HelperProcess::statusOfFailedStart(int errorEnd, const std::string &prompt)
 {
     constexpr int dismissed = 126;
@@ -182,7 +182,7 @@ OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, Descri
     HelperReply reply;
     if (send(socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) < 0
         || !isReadable(socket.get(), answerLimit) || !receive(reply, connection)) {
-        // A late answer must not pass for that to the next request.
+        // A late reply must not be taken for the answer to the next request.
         shutdown(socket.get(), SHUT_RDWR);
         say("The helper for administrator rights has ended.");
         return errAuthorizationInternal;

@@ -4,7 +4,7 @@
 
 #include <string>
 
-// Both keep the file's other keys, write a binary list, as macOS does, and replace the file at one stroke:
+// Both keep the file's other keys, write a binary list, as macOS does, and replace the file atomically:
 // another file in the same folder is written, synchronised and renamed to it, mode 0644. A file that is there
 // but isn't a readable property list, or isn't a regular file, stays as it is. The result is empty, or says
 // what failed.

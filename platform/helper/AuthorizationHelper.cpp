@@ -19,10 +19,10 @@
 
 namespace {
 
-/// More than a mistake can come to; an attempt to find a way doesn't go on.
+/// An installer is refused a few times at most. Whoever gets this far is probing.
 constexpr int mostRefusals = 10;
 
-/// Fills a standard descriptor that came closed, so that nothing opened later takes its place.
+/// Opens /dev/null for each standard descriptor that was closed, so that no later open gets its number.
 bool hasStandardDescriptors()
 {
     Descriptor filler;
@@ -33,7 +33,7 @@ bool hasStandardDescriptors()
     return bool(filler);
 }
 
-/// Leaves nothing of the caller's surroundings but the three standard descriptors.
+/// Drops everything inherited from the caller except the standard descriptors.
 bool shedSurroundings()
 {
     clearenv();
@@ -75,8 +75,8 @@ std::string described(const HelperRequest &request, bool isAboutFolder)
     return line;
 }
 
-/// Makes the command about a folder into one that no name can lead astray: with the folder, or for a new one
-/// that which is to hold it, as working folder. The result is empty, or says why it is refused.
+/// Rewrites the command so that no name can be swapped under it: its folder, or the parent of a new one,
+/// becomes the working folder. Returns why it is refused, or nothing.
 std::string bindToFolder(
     HelperCommand &command, const HelperRule &rule, uid_t user, const HelperFolders &folders)
 {
@@ -86,8 +86,7 @@ std::string bindToFolder(
         return refusal;
     command.folder = folders.open(path, rule.folders, user, refusal);
     if (rule.folders & New) {
-        // By the mask, which takes one system call. With -m the tool would go to the new folder's name once
-        // more.
+        // The mode goes into the umask, because mkdir -m would look the new name up a second time.
         command.mask = command.arguments[1] == "775" ? 002 : 022;
         command.arguments = {path.substr(path.rfind('/') + 1)};
     } else {

@@ -21,7 +21,7 @@ public:
 private:
     bool isMade(const Descriptor &folder) const;
 
-    /// Held open: no other folder can get the number of one of them.
+    /// Kept open so that their inode numbers can't be reused.
     std::vector<Descriptor> made;
     /// Those that weren't remembered too.
     int madeCount = 0;

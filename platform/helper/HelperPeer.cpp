@@ -63,8 +63,8 @@ bool HelperPeer::identify()
     process = credentials.pid;
     userId = credentials.uid;
     lifetime = lifetimeOf(process);
-    // Still this process's parent after the descriptor was had: so it is that process and none that got its
-    // id later.
+    // Checked after opening the pidfd: if it is still our parent, the pidfd can't belong to a later process
+    // with the same id.
     return lifetime && getppid() == process
         && (expectedUser.empty() || expectedUser == std::to_string(userId));
 }
@@ -79,8 +79,8 @@ Packet HelperPeer::receive() const
     Packet packet;
     packet.bytes.resize(largestRequest);
     iovec span{packet.bytes.data(), packet.bytes.size()};
-    // With no room for descriptors the kernel drops those that are sent. One that was taken over would have
-    // to be closed, and closing a file can wait for whoever serves it.
+    // With no room for them the kernel drops descriptors. One that arrived would have to be closed, and
+    // close() can block on the file system behind it.
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(ucred))];
     msghdr message{};
     message.msg_iov = &span;
@@ -123,7 +123,7 @@ void HelperPeer::answer(const std::string &refusal, const Descriptor &connection
         header->cmsg_len = CMSG_LEN(sizeof number);
         std::memcpy(CMSG_DATA(header), &number, sizeof number);
     }
-    // Never waits for a peer that doesn't read: its death would go unseen.
+    // Never blocks on a peer that doesn't read; its death would go unnoticed.
     sendmsg(socket, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
@@ -139,7 +139,7 @@ std::optional<int> HelperPeer::waitForTool(pid_t tool) const
 /// Whether the descriptor becomes readable before the peer closes its end or dies.
 bool HelperPeer::comesBeforeEnd(int descriptor) const
 {
-    // The socket alone isn't enough: a child of the process could have kept its end open.
+    // The socket isn't enough: a child of the peer may have inherited its end.
     pollfd sources[] = {{descriptor, POLLIN, 0}, {socket, POLLRDHUP, 0}, {lifetime.get(), POLLIN, 0}};
     int count = 0;
     do {

@@ -12,7 +12,8 @@
 
 namespace {
 
-/// Where the tool lies here: `defaults` beside this program, and never where the caller says.
+/// The tool's path on this system. `defaults` is always the one beside this program, whatever the caller asks
+/// for.
 std::string placeOf(const std::string &tool)
 {
     const std::string name = tool.substr(tool.rfind('/') + 1);
@@ -35,7 +36,7 @@ void resetSignals()
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// In the child. Returns only when the tool couldn't take this process over.
+/// Runs in the child. Returns only if exec, or a step before it, failed.
 void becomeTool(
     const HelperCommand &command, const std::string &place, const Descriptor &connection, pid_t helper)
 {
@@ -56,7 +57,7 @@ void becomeTool(
     execve(place.c_str(), arguments.data(), environment);
 }
 
-/// Waits until the child is the tool, which closes its end, or says in a number that it can't be.
+/// Waits until exec closes the child's end of the pipe (0), or the child sends its errno.
 int startFailure(const Descriptor &reportEnd)
 {
     int failure = 0;
