@@ -56,11 +56,13 @@ inline QByteArray contentsOf(const QString &path)
 inline bool acceptBox()
 {
     const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-    for (QAbstractButton *button : box ? box->buttons() : QList<QAbstractButton *>()) {
+    if (!box)
+        return false;
+    for (QAbstractButton *button : box->buttons()) {
         if (box->buttonRole(button) == QMessageBox::AcceptRole)
             button->click();
     }
-    return box;
+    return true;
 }
 
 /// Picks the folder in the dialog that comes; an empty name dismisses it.

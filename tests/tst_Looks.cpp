@@ -22,9 +22,9 @@ const QString longName = "<b>R&D &lt;" + QString(230, QLatin1Char('W'));
 struct State {
     const char *name;
     int page;
-    void (*enter)(QWizardPage *page);
     /// Whether it holds a name that is too long to be shown whole.
-    bool isLong = false;
+    bool isLong;
+    void (*enter)(QWizardPage *page);
 };
 
 /// Whether a widget is smaller than its text.
@@ -68,31 +68,29 @@ void failed(QWizardPage *page, int code, const QString &text)
 }
 
 const State states[] = {
-    {"1-agreement", 1, [](QWizardPage *) {}},
-    {"2-source-missing", 0, [](QWizardPage *) {}},
-    {"2-source-found", 0, [](QWizardPage *page) { scanned(page, "Lumetra", 42123456789); }},
-    {"2-source-long-name", 0,
+    {"1-agreement", 1, false, [](QWizardPage *) {}},
+    {"2-source-missing", 0, false, [](QWizardPage *) {}},
+    {"2-source-found", 0, false, [](QWizardPage *page) { scanned(page, "Lumetra", 42123456789); }},
+    {"2-source-long-name", 0, true,
         [](QWizardPage *page) {
             scanned(page, longName, 42123456789);
             auto *wizard = qobject_cast<QWizard *>(page->window());
             wizard->next();
             wizard->back();
-        },
-        true},
-    {"2-source-empty", 0, [](QWizardPage *page) { scanned(page, longName, 0); }, true},
-    {"3-destination", 2, [](QWizardPage *) {}},
-    {"3-destination-long-path", 2,
-        [](QWizardPage *page) { pick(page, Tree().folder(longName + QString("/deep").repeated(60))); }, true},
-    {"4-install-begun", 3, [](QWizardPage *page) { running(page, 12); }},
-    {"4-install-full", 3, [](QWizardPage *page) { running(page, 1200); }},
-    {"5-cancelled", 3, [](QWizardPage *page) { failed(page, -60006, {}); }},
-    {"5-failed", 3,
+        }},
+    {"2-source-empty", 0, true, [](QWizardPage *page) { scanned(page, longName, 0); }},
+    {"3-destination", 2, false, [](QWizardPage *) {}},
+    {"3-destination-long-path", 2, true,
+        [](QWizardPage *page) { pick(page, Tree().folder(longName + QString("/deep").repeated(60))); }},
+    {"4-install-begun", 3, false, [](QWizardPage *page) { running(page, 12); }},
+    {"4-install-full", 3, false, [](QWizardPage *page) { running(page, 1200); }},
+    {"5-cancelled", 3, false, [](QWizardPage *page) { failed(page, -60006, {}); }},
+    {"5-failed", 3, true,
         [](QWizardPage *page) {
             failed(page, -100,
                 "cp: cannot create regular file '/Volumes/Backup/" + longName
                     + "/Lumetra/a.zqimage': No space left on device");
-        },
-        true},
+        }},
 };
 
 /// One accent wants dark letters and the other light ones.

@@ -47,6 +47,13 @@ bool mustFail(const char *kind)
     return true;
 }
 
+template <typename Target> Target *pointer(long argument)
+{
+    Target *target = nullptr;
+    memcpy(&target, &argument, sizeof argument);
+    return target;
+}
+
 std::string placeOf(int descriptor)
 {
     char name[32];
@@ -95,8 +102,8 @@ FAILING("open", open64)
 FAILING("open", openat)
 FAILING("open", openat64)
 FAILING_IF("open", opendir, true, 0)
-FAILING_IF("list", readdir, isSource(dirfd(reinterpret_cast<DIR *>(a))), 0)
-FAILING_IF("access", access, strstr(reinterpret_cast<const char *>(a), "Lumetra"), -1)
+FAILING_IF("list", readdir, isSource(dirfd(pointer<DIR>(a))), 0)
+FAILING_IF("access", access, strstr(pointer<char>(a), "Lumetra"), -1)
 FAILING("mkdir", mkdir)
 FAILING("mkdir", mkdirat)
 FAILING("stat", stat)
