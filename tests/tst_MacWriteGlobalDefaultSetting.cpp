@@ -6,6 +6,10 @@
 
 #include <QTemporaryFile>
 
+#include <csignal>
+
+#include <unistd.h>
+
 /// The setting as a program of the suite reads it; "(none)" when there is none.
 static QByteArray setting()
 {
@@ -141,6 +145,25 @@ private slots:
         QCOMPARE(setting(), QByteArray("of the computer"));
         setIn(home.path());
         QCOMPARE(setting(), QByteArray("before"));
+    }
+
+    void childThatEndsDoesNotCutTheWait()
+    {
+        // As Qt's on macOS: without SA_RESTART.
+        struct sigaction handler = {};
+        handler.sa_handler = [](int) {};
+        sigaction(SIGCHLD, &handler, nullptr);
+        const Tree tree;
+        const QString slow = tree.file("slow", "#!/bin/sh\nsleep 1\n: >ended\n");
+        QVERIFY(QFile::setPermissions(slow, QFile::Permissions(0x7755)));
+        const Mount mount(slow, "/bin/mkdir");
+        if (fork() == 0) {
+            usleep(200000);
+            _exit(0);
+        }
+        QVERIFY(runCommandWithAuthority(
+            authorization, "/bin/mkdir", {"-m", "755", tree.path("Lumetra").toStdString()}));
+        QVERIFY(QFile::exists(tree.path("ended")));
     }
 };
 
