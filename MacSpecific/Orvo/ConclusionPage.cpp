@@ -130,7 +130,7 @@ int ConclusionPage::nextId() const
 
 bool ConclusionPage::stopInstallation()
 {
-    if (stage == Waiting)
+    if (stage == Waiting || stage == Done)
         return false;
     gPromptsDeclined = true;
     if (complete)
@@ -247,6 +247,8 @@ void ConclusionPage::handleResult()
     if (gMacAuthorizationRef)
         freeAuthority(&gMacAuthorizationRef);
     gPromptsDeclined = false;
+    if (stage != Waiting)
+        stage = Done;
 }
 
 void ConclusionPage::recordDestination()

@@ -55,5 +55,5 @@ private:
     CopyThread *copyThread = nullptr;
     std::unique_ptr<KeepAwake> keepAwake;
     /// `complete` tells whether the outcome is shown.
-    enum { Waiting, Running, Stopped } stage = Waiting;
+    enum { Waiting, Running, Stopped, Done } stage = Waiting;
 };
