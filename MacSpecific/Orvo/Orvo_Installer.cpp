@@ -1,6 +1,5 @@
 #include "Orvo_Installer.h"
 
-#include "Artwork.h"
 #include "ConclusionPage.h"
 #include "EulaPage.h"
 #include "InstallState.h"
@@ -14,13 +13,35 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QImage>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
 
+#include <algorithm>
+
 QList<QFileInfo> sResultList;
 bool sCopyFiles = false;
 Orvo_Installer *install_wizard = nullptr;
+
+namespace {
+
+/// Light becomes dark and dark becomes light, each in its own hue.
+QImage withInvertedLightness(const QPixmap &drawing)
+{
+    QImage image = drawing.toImage().convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        std::transform(line, line + image.width(), line, [](QRgb ink) {
+            const auto [darkest, brightest] = std::minmax({qRed(ink), qGreen(ink), qBlue(ink)});
+            const int shift = 255 - darkest - brightest;
+            return qRgb(qRed(ink) + shift, qGreen(ink) + shift, qBlue(ink) + shift);
+        });
+    }
+    return image;
+}
+
+} // namespace
 
 QWidget *GetMainWindow()
 {
@@ -87,13 +108,20 @@ void Orvo_Installer::fitToFont()
     setMinimumSize(artwork.expandedTo(pages).boundedTo(screen()->availableSize()));
 }
 
+/// The artwork is ink on white. Its white takes the window's colour.
 void Orvo_Installer::paintEvent(QPaintEvent *)
 {
-    const QPixmap artwork =
-        laidIntoWindow(pixmap(QWizard::BackgroundPixmap), palette().color(QPalette::Window));
+    const QPixmap artwork = pixmap(QWizard::BackgroundPixmap);
+    const QPoint place(0, (height() - artwork.height()) / 2);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(0, (height() - artwork.height()) / 2, artwork);
+    if (palette().color(QPalette::Window).lightness() >= 128) {
+        painter.setCompositionMode(QPainter::CompositionMode_Multiply);
+        painter.drawPixmap(place, artwork);
+    } else {
+        painter.setCompositionMode(QPainter::CompositionMode_Screen);
+        painter.drawImage(place, withInvertedLightness(artwork));
+    }
 }
 
 void Orvo_Installer::reject()
