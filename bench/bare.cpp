@@ -3,12 +3,15 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTextBrowser>
+#include <QVBoxLayout>
 #include <QWizard>
 
 #include <cstdio>
 
-// Shows what Qt alone takes, to compare the installer with: bench_bare opens a wizard with an empty page;
-// bench_bare SOURCE DESTINATION COUNT TOOL... runs the tool for one file after another.
+// Shows what Qt alone takes, to compare the installer with: bench_bare opens a wizard with an empty page,
+// bench_bare PICTURE DOCUMENT one with a background picture and a page that shows the document; bench_bare
+// SOURCE DESTINATION COUNT TOOL... runs the tool for one file after another.
 
 namespace {
 
@@ -16,7 +19,15 @@ int wizard(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     QWizard wizard;
-    wizard.addPage(new QWizardPage);
+    auto *page = new QWizardPage;
+    if (argc == 3) {
+        wizard.setWizardStyle(QWizard::MacStyle);
+        wizard.setPixmap(QWizard::BackgroundPixmap, QPixmap(QFile::decodeName(argv[1])));
+        auto *browser = new QTextBrowser;
+        browser->setSource(QUrl::fromLocalFile(QFile::decodeName(argv[2])));
+        (new QVBoxLayout(page))->addWidget(browser);
+    }
+    wizard.addPage(page);
     wizard.show();
     return QApplication::exec();
 }
@@ -50,7 +61,7 @@ int startTools(const QStringList &arguments)
 
 int main(int argc, char *argv[])
 {
-    if (argc == 1)
+    if (argc <= 3)
         return wizard(argc, argv);
     QCoreApplication application(argc, argv);
     return startTools(QCoreApplication::arguments());

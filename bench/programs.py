@@ -60,8 +60,8 @@ def longest_gap(**what):
     return seen["gap"]
 
 
-def start(program):
-    """The seconds from the program's start until the display shows its window, and its resident memory in kB
+def start(*command):
+    """The seconds from a program's start until the display shows its window, and its resident memory in kB
     half a second later."""
     x11 = ctypes.CDLL("libX11.so.6")
     x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -70,12 +70,12 @@ def start(program):
     x11.XSync(display, False)
     event = (ctypes.c_int * 48)()
     begin = time.monotonic()
-    with subprocess.Popen([program], stderr=subprocess.DEVNULL) as running:
+    with subprocess.Popen(command, stderr=subprocess.DEVNULL) as running:
         while event[0] != MAP_NOTIFY:
             if x11.XPending(display):
                 x11.XNextEvent(display, event)
             elif running.poll() is not None:
-                raise RuntimeError(f"{program} ended with status {running.returncode}")
+                raise RuntimeError(f"{command[0]} ended with status {running.returncode}")
             else:
                 time.sleep(0.0005)
         seconds = time.monotonic() - begin
