@@ -139,7 +139,7 @@ def check_installed(content, path=DEFAULT):
         expect(owner(path)[2], 0o755)
 
 
-def whole_way(user, subtitle, gigabytes="0.01", source=DATABASE):
+def whole_way(user, subtitle, gigabytes, source=DATABASE):
     """From the agreement to the end, whereafter the default destination holds the content that is returned."""
     content = database.content(source)
     to_destination(user, gigabytes)
@@ -156,12 +156,8 @@ def move(user):
 
 
 def copy(user):
-    content = whole_way(user, COPYING, "0.03")
-    expect(database.content(DATABASE), content)
-
-
-def usb_disk(user):
-    whole_way(user, COPYING, source=USB_DISK)
+    content = whole_way(user, COPYING, "0.03", USB_DISK)
+    expect(database.content(USB_DISK), content)
 
 
 def keyboard(user):
@@ -260,8 +256,7 @@ def switch_log_on():
 
 WALKS = {
     "move": Walk(move, 1_234_567_890, sparse=True, log=True),
-    "copy": Walk(copy, 30_000_000, library_size=100_000_000),
-    "usb_disk": Walk(usb_disk, 9_000_000, on_usb_disk=True),
+    "copy": Walk(copy, 30_000_000, on_usb_disk=True),
     "find_source": Walk(find_source, 0),
     "no_room": Walk(no_room, 1_250_000_000, sparse=True, library_size=100_000_000),
     "keyboard": Walk(keyboard, 9_000_000),
