@@ -4,13 +4,14 @@ import os
 import plistlib
 import pwd
 import re
+import sys
 import stat
 from dataclasses import dataclass
 from pathlib import Path
 from typing import Callable, Optional
 
 from sandbox import database
-from sandbox.user import Unexpected
+from sandbox.user import Unexpected, User
 from sandbox.world import DATABASE, HOME, PREFERENCE, USB_DISK
 
 WELCOME = "Welcome to the Corvane Lumetra Database Installer"
@@ -58,6 +59,16 @@ class Walk:
 
 
 def expect(actual, wanted):
+def go(steps, pictures=None):
+    """Starts the program, has the user take the steps, and says what the program wrote to standard error."""
+    user = User(pictures)
+    try:
+        steps(user)
+    finally:
+        print(user.errors(), end="", file=sys.stderr, flush=True)
+        user.close()
+
+
     if isinstance(actual, dict) and isinstance(wanted, dict):
         actual, wanted = dict(actual.items() - wanted.items()), dict(wanted.items() - actual.items())
     if actual != wanted:
@@ -77,12 +88,6 @@ def accept_agreement(user):
     user.press("Continue")
 
 
-def see_size(user, gigabytes):
-    user.wait_text(SIZE.format(gigabytes))
-    expect(user.title(), WELCOME)
-    user.press("Continue")
-
-
 def see_destination(user, path=DEFAULT):
     user.wait_text(STORED_IN.format(path))
     expect(user.title(), "Select Database location")
@@ -90,7 +95,9 @@ def see_destination(user, path=DEFAULT):
 
 def to_destination(user, gigabytes="0.01"):
     accept_agreement(user)
-    see_size(user, gigabytes)
+    user.wait_text(SIZE.format(gigabytes))
+    expect(user.title(), WELCOME)
+    user.press("Continue")
     see_destination(user)
 
 
