@@ -3,8 +3,6 @@
 import os
 import plistlib
 import pwd
-import re
-import sys
 import stat
 from dataclasses import dataclass
 from pathlib import Path
@@ -242,14 +240,11 @@ def no_room(user):
 def check_log(user):
     lines = Path(LOG).read_text().splitlines()
     expect(lines[0], "an earlier line")
-    form = re.compile(r"\[LumetraDatabaseInstaller (\d+)\]\w{3} \w{3} [ \d]\d \d\d:\d\d:\d\d \d{4}: (.+)")
-    found = [form.fullmatch(line) for line in lines[1:]]
-    expect([line for line, match in zip(lines[1:], found) if not match and not line.startswith("    ")], [])
-    pid = str(user.program.pid)
-    expect({match[1] for match in found if match}, {pid})
-    messages = [match[2] for match in found if match]
-    expect(messages[0], f"---LumetraDatabaseInstaller[{pid}] started---")
-    expect(messages[1], "Effective UID is root \"root\"(0)")
+    tag = f"[LumetraDatabaseInstaller {user.program.pid}]"
+    expect([line for line in lines[1:] if not line.startswith((tag, "    "))], [])
+    messages = [line.partition(": ")[2] for line in lines]
+    expect(messages[1:3], [f"---LumetraDatabaseInstaller[{user.program.pid}] started---",
+                           'Effective UID is root "root"(0)'])
     expect(f"createProductDirectory: made dir {DEFAULT} w/o needing privs, checking for fixup" in messages, True)
 
 
