@@ -14,15 +14,6 @@
 /// For everything that waits for a tool or a thread: far more than a slow machine takes.
 constexpr int patience = 60000;
 
-/// Where a test's random numbers begin, which is said: the environment variable SEED repeats a run.
-inline quint32 randomSeed()
-{
-    const QByteArray given = qgetenv("SEED");
-    const quint32 seed = given.isEmpty() ? QRandomGenerator::global()->generate() : given.toUInt();
-    qInfo("SEED=%u", seed);
-    return seed;
-}
-
 /// A temporary folder and what a test puts into it. Names are relative to it, and given back as whole paths,
 /// free of symbolic links.
 class Tree {
