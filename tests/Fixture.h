@@ -5,7 +5,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QRandomGenerator>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -37,6 +37,12 @@ private:
     const QString place = QFileInfo(root.path()).canonicalFilePath();
 };
 
+/// A row of a test's table.
+template <typename... Values> void row(const char *name, Values... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
 inline QByteArray contentsOf(const QString &path)
 {
     QFile file(path);
@@ -56,31 +62,18 @@ inline bool acceptBox()
     return true;
 }
 
-/// Picks the folder in the dialog that comes; an empty name dismisses it.
-class FolderPick : public QObject {
-public:
-    explicit FolderPick(const QString &folder)
-        : picked(folder)
-    {
-        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        startTimer(20);
-    }
-
-    QString caption;
-
-protected:
-    void timerEvent(QTimerEvent *) override
-    {
+/// Presses the page's button and picks the folder in the dialog that it opens.
+inline void pickFolder(const QWidget *page, const QString &folder)
+{
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&folder] {
         QDialog *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
         if (!dialog || !dialog->isVisible())
             return;
-        caption = dialog->windowTitle();
-        if (picked.isEmpty())
-            return dialog->reject();
-        dialog->findChild<QLineEdit *>("fileNameEdit")->setText(picked);
+        dialog->findChild<QLineEdit *>("fileNameEdit")->setText(folder);
         dialog->accept();
-    }
-
-private:
-    const QString picked;
-};
+    });
+    timer.start(20);
+    page->findChild<QPushButton *>()->click();
+}

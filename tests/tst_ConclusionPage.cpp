@@ -9,41 +9,48 @@
 class tst_ConclusionPage : public QObject {
     Q_OBJECT
 
+    std::unique_ptr<QWizard> wizard;
+    ConclusionPage *page = nullptr;
+
+    void show(const QString &path)
+    {
+        wizard = std::make_unique<QWizard>();
+        page = new ConclusionPage;
+        wizard->setPage(2, new PickDestPage);
+        wizard->setPage(3, page);
+        wizard->setStartId(3);
+        wizard->setField("path", path);
+        wizard->show();
+    }
+
 private slots:
+    void cleanup() { wizard.reset(); }
+
     void failureHasItsText_data()
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("shown");
 
-        QTest::newRow("rights refused") << -60005 << ""
-                                        << "The username entered does not have admin privileges.";
-        QTest::newRow("text of a tool") << -100 << "Error message is:\n50%1 full"
-                                        << "Error message is:\n50%1 full";
-        QTest::newRow("code of the system") << -61 << ""
-                                            << "A MacOS error occured (-61)";
-        QTest::newRow("positive code") << 7 << ""
-                                       << "A MacOS error occured (7)";
+        const QString text = "Error message is:\n50%1 full";
+        row("rights refused", -60005, "", "The username entered does not have admin privileges.");
+        row("text of a tool", -100, text, text);
+        row("code of the system", -61, "", "A MacOS error occured (-61)");
+        row("positive code", 7, "", "A MacOS error occured (7)");
     }
 
     void failureHasItsText()
     {
         QFETCH(int, code);
         QFETCH(QString, message);
-        QWizard wizard;
-        wizard.setPage(2, new PickDestPage);
-        auto *page = new ConclusionPage;
-        wizard.setPage(3, page);
-        wizard.setStartId(3);
-        wizard.setField("path", "/Volumes/50%1");
-        wizard.show();
-        QVERIFY(!wizard.button(QWizard::FinishButton)->isEnabled());
+        show("/Volumes/50%1");
+        QVERIFY(!wizard->button(QWizard::FinishButton)->isEnabled());
         QMetaObject::invokeMethod(page, "resultSet", Q_ARG(int, code), Q_ARG(QString, message));
         QMetaObject::invokeMethod(page, "handleResult");
         QTEST(page->subTitle(), "shown");
-        QVERIFY(wizard.button(QWizard::FinishButton)->isEnabled());
+        QVERIFY(wizard->button(QWizard::FinishButton)->isEnabled());
         QVERIFY(page->findChild<QProgressBar *>()->isHidden());
-        QCOMPARE(wizard.field("path").toString(), "/Volumes/50%1");
+        QCOMPARE(wizard->field("path").toString(), "/Volumes/50%1");
     }
 
     void unusableDestinationIsRefusedAtOnce_data()
@@ -51,10 +58,9 @@ private slots:
         const QString start = "Lumetra Database Installer was not able to ";
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("parent is gone") << "gone/L" << start + "write the database to the selected location.";
-        QTest::newRow("name is too long")
-            << QString(300, 'x') << start + "write the database to the selected location.";
-        QTest::newRow("a file is in its place") << "file" << start + "access the selected location.";
+        row("parent is gone", "gone/L", start + "write the database to the selected location.");
+        row("name is too long", QString(300, 'x'), start + "write the database to the selected location.");
+        row("a file is in its place", "file", start + "access the selected location.");
     }
 
     /// No rights would help, so none are asked for, and no tool is run.
@@ -64,13 +70,7 @@ private slots:
         const Tree tree;
         tree.file("file");
         sResultList = {QFileInfo(tree.file("source/a.zqin"))};
-        QWizard wizard;
-        wizard.setPage(2, new PickDestPage);
-        auto *page = new ConclusionPage;
-        wizard.setPage(3, page);
-        wizard.setStartId(3);
-        wizard.setField("path", tree.path(name));
-        wizard.show();
+        show(tree.path(name));
         bool asked = false;
         QTimer timer;
         connect(&timer, &QTimer::timeout, page, [&asked] { asked = acceptBox() || asked; });

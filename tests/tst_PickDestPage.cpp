@@ -5,8 +5,6 @@
 #include "SourcePage.h"
 #include "UnfinishedMark.h"
 
-#include <QPushButton>
-
 /// Takes the place of the system's df for the time of its life.
 class FakeDf {
 public:
@@ -32,14 +30,26 @@ private:
 class tst_PickDestPage : public QObject {
     Q_OBJECT
 
+    /// On a file system that nothing else is on.
+    static constexpr char onItsOwn[] = "/dev/null";
+
     QWizard wizard;
     SourcePage *sourcePage = new SourcePage;
     PickDestPage *page = new PickDestPage;
 
-    void pick(const QString &folder)
+    /// What a scan reports at its end, here without one.
+    void foundBytes(quint64 size)
     {
-        const FolderPick dialog(folder);
-        page->findChild<QPushButton *>()->click();
+        const QSignalSpy completions(sourcePage, &SourcePage::completeChanged);
+        QMetaObject::invokeMethod(sourcePage, "updateDBSize", Q_ARG(QString, ""), Q_ARG(quint64, size));
+        QCOMPARE(completions.count(), 1);
+    }
+
+    bool goesOn(const QList<QFileInfo> &files, const QString &path)
+    {
+        sResultList = files;
+        wizard.setField("path", path);
+        return page->validatePage();
     }
 
     /// The destination that is offered, both to the user and to the next page.
@@ -79,21 +89,13 @@ private slots:
         const QString folder = tree.folder("%1 \n é");
         for (const QString &each : taken)
             tree.file("%1 \n é/" + each);
-        pick(folder);
+        pickFolder(page, folder);
         QCOMPARE(offered(), folder + '/' + name);
-    }
-
-    void dismissedDialogChangesNothing()
-    {
-        pick("/");
-        QCOMPARE(offered(), "//Lumetra");
-        pick({});
-        QCOMPARE(offered(), "//Lumetra");
     }
 
     void proposalComesBackWithThePage()
     {
-        pick("/");
+        pickFolder(page, "/");
         page->hide();
         page->show();
         QCOMPARE(offered(), "/Library/Application Support/Brindlewerks/Lumetra");
@@ -105,16 +107,12 @@ private slots:
         QTest::addColumn<QString>("probed");
 
         const QString shared = "/Library/Application Support";
-        QTest::newRow("parent") << "/a/b c/Lumetra"
-                                << "/a/b c";
-        QTest::newRow("shared folder") << shared + "/Brindlewerks/Lumetra" << shared;
-        QTest::newRow("begins like the shared folder") << shared + "!/x" << shared;
-        QTest::newRow("picked root") << "//Lumetra"
-                                     << "/";
-        QTest::newRow("single entry of the root") << "/Lumetra"
-                                                  << "/Lumetra";
-        QTest::newRow("no slash") << "Lumetra"
-                                  << "Lumetra";
+        row("parent", "/a/b c/Lumetra", "/a/b c");
+        row("shared folder", shared + "/Brindlewerks/Lumetra", shared);
+        row("begins like the shared folder", shared + "!/x", shared);
+        row("picked root", "//Lumetra", "/");
+        row("single entry of the root", "/Lumetra", "/Lumetra");
+        row("no slash", "Lumetra", "Lumetra");
     }
 
     void looksAtTheDiskOfTheDestination()
@@ -122,10 +120,7 @@ private slots:
         QFETCH(QString, path);
         QFETCH(QString, probed);
         const FakeDf df(0);
-        // On a file system that nothing else is on.
-        sResultList = {QFileInfo("/dev/null")};
-        wizard.setField("path", path);
-        page->validatePage();
+        goesOn({QFileInfo(onItsOwn)}, path);
         QCOMPARE(df.arguments(), "-k " + probed);
     }
 
@@ -152,49 +147,31 @@ private slots:
         QFETCH(QString, missing);
         const FakeDf df(megabytes);
         sCopyFiles = true;
-        sResultList = {QFileInfo("/dev/null")};
-        sourcePage->dbSize = size;
+        foundBytes(size);
         page->setSubTitle("before");
-        QCOMPARE(page->validatePage(), missing.isEmpty());
+        QCOMPARE(goesOn({QFileInfo(onItsOwn)}, "/Lumetra"), missing.isEmpty());
         QVERIFY(!sCopyFiles);
         QVERIFY2(page->subTitle().contains(missing.isEmpty() ? "before" : " (" + missing + " additional"),
             qPrintable(page->subTitle()));
     }
 
-    void movesOnOneDiskOnly_data()
+    void filesOnTheDestinationsDiskAreMoved()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<bool>("moves");
-
-        QTest::newRow("one disk") << "a.zqin"
-                                  << "b" << true;
-        QTest::newRow("file is gone") << "gone.zqin"
-                                      << "b" << false;
-        QTest::newRow("folder is gone") << "a.zqin"
-                                        << "gone" << false;
-        QTest::newRow("both are gone") << "gone.zqin"
-                                       << "gone" << false;
-        QTest::newRow("no file") << ""
-                                 << "b" << false;
+        const Tree tree;
+        foundBytes(~quint64(0));
+        QVERIFY(goesOn({QFileInfo(tree.file("a.zqin"))}, tree.path("Lumetra")));
+        QVERIFY(sCopyFiles);
+        QCOMPARE(page->subTitle(), "The files will be moved to the selected location.");
     }
 
-    void movesOnOneDiskOnly()
+    void filesThatAreGoneAreNotMoved()
     {
-        QFETCH(QString, file);
-        QFETCH(QString, folder);
-        QFETCH(bool, moves);
         const Tree tree;
-        tree.file("a.zqin");
-        tree.folder("b");
-        sResultList.clear();
-        if (!file.isEmpty())
-            sResultList << QFileInfo(tree.path(file));
-        sourcePage->dbSize = ~quint64(0);
-        wizard.setField("path", tree.path(folder) + "/Lumetra");
-        QCOMPARE(page->validatePage(), moves);
-        QCOMPARE(sCopyFiles, moves);
-        QCOMPARE(page->subTitle() == "The files will be moved to the selected location.", moves);
+        foundBytes(~quint64(0));
+        QVERIFY(!goesOn({QFileInfo(tree.path("gone.zqin"))}, tree.path("gone/Lumetra")));
+        QVERIFY(!sCopyFiles);
+        QVERIFY(!goesOn({}, tree.path("Lumetra")));
+        QVERIFY(!sCopyFiles);
     }
 };
 

@@ -4,6 +4,7 @@ import os
 import plistlib
 import pwd
 import stat
+import sys
 from dataclasses import dataclass
 from pathlib import Path
 from typing import Callable, Optional
@@ -25,6 +26,8 @@ NOT_FOUND = "The Lumetra database source folder was not found." + SEARCH
 NO_FILES = "No Lumetra database files were found in {}." + SEARCH
 STORED_IN = ("The database will be stored in\n\n{}\n\n"
              "Click \"Continue\" to install here, or \"Choose\" to select another location.")
+FIND = "Find data files.."
+FIND_DIALOG = "Select Database directory"
 NO_ROOM = ("The selected disk does not have enough free space to store the database ({} additional needed)."
            " Please select another location.")
 LOG = f"{HOME}/installer.log"
@@ -56,7 +59,6 @@ class Walk:
     log: bool = False
 
 
-def expect(actual, wanted):
 def go(steps, pictures=None):
     """Starts the program, has the user take the steps, and says what the program wrote to standard error."""
     user = User(pictures)
@@ -67,6 +69,7 @@ def go(steps, pictures=None):
         user.close()
 
 
+def expect(actual, wanted):
     if isinstance(actual, dict) and isinstance(wanted, dict):
         actual, wanted = dict(actual.items() - wanted.items()), dict(wanted.items() - actual.items())
     if actual != wanted:
@@ -203,23 +206,29 @@ def keyboard(user):
 
 def find_source(user):
     """The keys alone lead to a folder that holds the database, past one that doesn't."""
-    name = "Data " + 200 * "W"
+    name = "R&D %1 %2 é " + 200 * "W"
     database.make(Path(HOME, name), 9_000_000)
     content = database.content(Path(HOME, name))
-    Path(HOME, name, "empty").mkdir()
+    Path(HOME, name, "R&D %1").mkdir()
     user.focus("check box", ACCEPT)
     user.type("space")
     user.type("Return")
-    for folder, text in ((None, NOT_FOUND), (f"{name}/empty", NO_FILES.format("empty")), (name, FOUND.format(name, "0.01"))):
+    texts = {None: NOT_FOUND, f"{name}/R&D %1": NO_FILES.format("R&D %1"), name: FOUND.format(name, "0.01")}
+    for folder, text in texts.items():
         if folder:
-            user.focus("push button", "Find data files..")
+            user.focus("push button", FIND)
             user.type("Return")
-            user.wait(lambda: user.dialog("Select Database directory"), "folder dialog")
-            user.press("Find data files..")  # only a screen reader reaches it beneath the dialog
-            user.pick_folder("Select Database directory", f"{HOME}/{folder}")
+            user.wait(lambda: user.dialog(FIND_DIALOG), "folder dialog")
+            user.type("Escape")
+            user.wait_text("Scanning...")
+            user.press(FIND)
+            user.wait(lambda: user.dialog(FIND_DIALOG), "folder dialog")
+            user.press(FIND)  # only a screen reader reaches it beneath the dialog
+            user.pick_folder(FIND_DIALOG, f"{HOME}/{folder}")
         user.wait_text(text)
         user.wait_focus("panel", WELCOME)
         expect(user.find("panel", WELCOME).description, text)
+    expect(user.find("push button", FIND), None)
     user.type("Return")
     see_destination(user)
     install(user, MOVING)

@@ -67,11 +67,10 @@ FAULTS = (
     Case("mv killed when done", move=True, mv='/opt/real/mv "$@"; kill -9 $$', outcome=FAILED + r"/bin/mv: crashed\.$"),
     Case("df hangs", df="exec sleep 200", outcome=NO_ROOM),
     Case("df can't be started", df="exit 0", setup="chmod 644 /opt/df", outcome=NO_ROOM),
-    *(Case(f"log {name}", setup="mkdir -p /root/Library/Preferences; cd /root;" + make + """
+    Case("log on a full disk", setup="""mkdir -p /root/Library/Preferences; ln -s /dev/full /root/log
         exec /opt/Installer/Contents/Helpers/defaults write /root/Library/Preferences/com.brindle.Corvane \
-            driver_LogLocation /root/log""")
-      for name, make in (("on a full disk", "ln -s /dev/full log"), ("is a folder", "mkdir log"),
-                         ("is a FIFO", "mkfifo log"))),
+            driver_LogLocation /root/log"""),
+    Case("source without data files", files=0, outcome=NO_DATA),
     Case("listing fails half-way", failing="list:6:5", outcome=NO_DATA),
     Case("source's disk falls silent", failing="access:1:0", outcome=r"Welcome.*not found"),
     Case("destination's disk falls silent", failing="access:3:0"),
