@@ -122,6 +122,8 @@ def invariant(case, before, older, source, title):
         wrong.append("shown as installed, but isn't")
     if title == INSTALLED and marked:
         wrong.append("installed, but marked as unfinished")
+    if title == "Database was not installed" and there and not marked and not case.failing:
+        wrong.append("not installed, but not marked as unfinished")
     if os.path.exists(PREFERENCE) and title != INSTALLED:
         wrong.append("recorded, but not installed")
     return wrong
