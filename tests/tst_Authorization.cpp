@@ -150,14 +150,6 @@ private slots:
                 OSStatus(errAuthorizationToolExecuteFailure));
     }
 
-    void newFolderHasTheModeThatIsAskedFor()
-    {
-        QCOMPARE(run("/bin/mkdir", {"-m", "775", folder}), OSStatus(errAuthorizationSuccess));
-        QCOMPARE(QFileInfo(folder).permissions(), QFile::Permissions(0x7775));
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder + "_0"}), OSStatus(errAuthorizationSuccess));
-        QCOMPARE(QFileInfo(folder + "_0").permissions(), QFile::Permissions(0x7755));
-    }
-
     void onlyAFolderThatWasMadeHereIsGivenAway()
     {
         QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));

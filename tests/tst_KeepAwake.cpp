@@ -55,16 +55,6 @@ private slots:
         QVERIFY(installer.waitForFinished(patience));
         QTRY_VERIFY_WITH_TIMEOUT(!isAwake(), 1000);
     }
-
-    void missingToolHarmsNothing()
-    {
-        const QByteArray path = qgetenv("PATH");
-        qputenv("PATH", "/nowhere");
-        {
-            const KeepAwake awake;
-        }
-        qputenv("PATH", path);
-    }
 };
 
 int main(int argc, char *argv[])
