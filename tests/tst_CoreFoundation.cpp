@@ -87,13 +87,6 @@ private slots:
         QVERIFY(QFile::remove(path) && QFile::link("/dev/zero", path));
         QCOMPARE(preference(), Bytes());
     }
-
-    void fileNamesAreUtf8InTheCLocale()
-    {
-        const Tree tree;
-        tree.file("fünf");
-        QCOMPARE(access(tree.path().toLatin1() + "/f\xc3\xbcnf", F_OK), 0);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_CoreFoundation)
