@@ -8,7 +8,6 @@ from pathlib import Path
 from rights_cases import PARENT, folder, nothing
 from sandbox import rights
 from sandbox.rights import Agent, BUNDLE, PASSWORD, PLAIN
-from sandbox.user import Unexpected
 from sandbox.world import HOME
 from walks import DEFAULT, expect, owner
 
@@ -25,9 +24,7 @@ class Probe:
     def expect(self, code, *words):
         self._process.stdin.write("\t".join(words) + "\n")
         self._process.stdin.flush()
-        found = int(self._process.stdout.readline())
-        if found != code:
-            raise Unexpected(f"{' '.join(words)}: expected {code}, not {found}")
+        expect((*words, int(self._process.stdout.readline())), (*words, code))
 
 
 def shared_folders():
