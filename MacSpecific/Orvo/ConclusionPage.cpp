@@ -197,6 +197,7 @@ bool ConclusionPage::prepareDestination()
 /// Asks for administrator rights only if they would help.
 bool ConclusionPage::makePickedFolder(const std::string &folder)
 {
+    umask(022); // as for the files: all users are to read them
     if (limited::mkdir(folder, 0755) == 0 || errno == EEXIST)
         return true;
     if (errno != EACCES && errno != EPERM)
