@@ -3,8 +3,27 @@
 
 #include <QApplication>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// Opens what is missing of standard input, output and error. Otherwise the connection to the display would
+/// get its number, and with it what is written to standard error.
+void completeStandardStreams()
+{
+    int descriptor;
+    do
+        descriptor = open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    close(descriptor);
+}
+
+} // namespace
+
 int main(int argc, char *argv[])
 {
+    completeStandardStreams();
     QApplication application(argc, argv);
     TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::requested, &QApplication::closeAllWindows);
