@@ -44,10 +44,12 @@ EulaPage::EulaPage(QWidget *parent)
     // Not clicked(): a screen reader toggles the box without a click.
     connect(acceptBox, &QCheckBox::toggled, this, &EulaPage::OnLicenseAccepted);
     label->setBuddy(acceptBox);
-    // Some styles outline the empty box in a shade of the window's colour, which is hard to see. Shades of
-    // this grey stand out in light and dark windows alike.
+    // Some styles outline the empty box in a shade of the window's colour, and with the focus in one of the
+    // accent colour, which may be hard to see. Shades of these greys stand out in light and dark windows
+    // alike.
     QPalette colours = acceptBox->palette();
     colours.setColor(QPalette::Window, QColor(0xae, 0xae, 0xae));
+    colours.setColor(QPalette::Highlight, QColor(0xa4, 0xa4, 0xa4));
     acceptBox->setPalette(colours);
 
     auto *layout = new QVBoxLayout;
