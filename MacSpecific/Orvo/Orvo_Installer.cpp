@@ -11,9 +11,11 @@
 #include "SourcePage.h"
 #include "computecontrol/CorvaneInstallUtils.h"
 
+#include <QAbstractButton>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QImage>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
@@ -77,6 +79,8 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
         if (currentPage())
             announce(currentPage());
     });
+    installEventFilter(this);
+    button(NextButton)->installEventFilter(this);
     setWindowTitle(tr("Welcome to the Corvane Lumetra Database Installer"));
 }
 
@@ -122,6 +126,12 @@ void Orvo_Installer::paintEvent(QPaintEvent *)
         painter.setCompositionMode(QPainter::CompositionMode_Screen);
         painter.drawImage(place, withInvertedLightness(artwork));
     }
+}
+
+bool Orvo_Installer::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool held = event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->isAutoRepeat();
+    return held || event->type() == QEvent::MouseButtonDblClick || QWizard::eventFilter(watched, event);
 }
 
 void Orvo_Installer::reject()

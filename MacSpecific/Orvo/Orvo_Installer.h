@@ -26,6 +26,8 @@ protected:
     /// Draws the artwork where the style would, but in the window's colour, and smoothly: on a scaled screen
     /// the style draws blocks.
     void paintEvent(QPaintEvent *event) override;
+    /// Keeps a double click and a held key from going on to the page after the next one.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void fitToFont();

@@ -79,7 +79,7 @@ def walk(user):
 
     user.wait_title("Welcome to the Corvane Lumetra Database Installer")
     see("1-agreement")
-    user.tick("I accept the terms in the License Agreement")
+    user.click("check box", "I accept the terms in the License Agreement")
     user.press("Continue")
     user.wait(lambda: any("approximately" in text for text in user.texts()), "size of the database", WHOLE_DAY)
     see("2-source")

@@ -29,7 +29,9 @@ class User:
     def __init__(self, pictures=None):
         self.pictures = pictures
         environment = os.environ | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
-        self.program = subprocess.Popen([PROGRAM], env=environment, stderr=open("/tmp/stderr", "w"))
+        # As careful users and careless starters have it: new files closed to others, no standard input.
+        self.program = subprocess.Popen([PROGRAM], env=environment, stderr=open("/tmp/stderr", "w"), umask=0o077,
+                                        preexec_fn=lambda: os.close(0))
         # Qt joins only an accessibility bus that starts after it does, so its window must show first.
         self.wait(_display_windows, "a window")
         global pyatspi
@@ -148,10 +150,10 @@ class User:
     def focused(self, role, name):
         return _is(self.find(role, name), pyatspi.STATE_FOCUSED)
 
-    def tick(self, name):
-        """Clicks a check box with the mouse."""
-        left, top, width, height = _box(self._ready("check box", name))
-        pyatspi.Registry.generateMouseEvent(left + height // 2, top + height // 2, "b1c")
+    def click(self, role, name, event="b1c"):
+        """Clicks a control with the mouse, or does what else the event says."""
+        left, top, width, height = _box(self._ready(role, name))
+        pyatspi.Registry.generateMouseEvent(left + height // 2, top + height // 2, event)
 
     def answer_box(self, name="OK"):
         """Waits for a message box, presses the button and returns the box's texts."""
