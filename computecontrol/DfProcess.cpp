@@ -9,7 +9,7 @@
 namespace {
 
 /// Milliseconds until a request to end is noticed.
-constexpr int slice = 50;
+constexpr int pollInterval = 50;
 
 } // namespace
 
@@ -24,7 +24,7 @@ CDfProcess::~CDfProcess()
         return;
     kill();
     // QProcess's destructor would wait another 30 seconds for a df that is stuck on a disk.
-    if (!waitForFinished(slice))
+    if (!waitForFinished(pollInterval))
         setProcessState(NotRunning);
 }
 
@@ -36,7 +36,7 @@ void CDfProcess::Run(const QString &folder)
 qint64 CDfProcess::TotalAvailable()
 {
     const QDeadlineTimer limit(50000);
-    while (!waitForFinished(slice)) {
+    while (!waitForFinished(pollInterval)) {
         const bool waits = error() == QProcess::Timedout && state() != QProcess::NotRunning;
         if (waits && !limit.hasExpired() && !TerminationSignals::received())
             continue;
