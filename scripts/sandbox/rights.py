@@ -6,7 +6,6 @@ It has a system bus, polkit, a system log and two accounts, one that can adminis
 import os
 import pty
 import pwd
-import shutil
 import socket
 import subprocess
 import tempfile
@@ -22,52 +21,47 @@ PLAIN, ADMINISTRATOR, PASSWORD = "plain", "administrator", "correct horse"
 HELPER = "authorization-helper"
 CHECKOUT = "/opt/checkout"
 BUNDLE = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}"
-PROGRAMS = ("unshare", "dbus-daemon", "pkexec", "pkttyagent", "useradd", "chpasswd", "setpriv")
-POLKITD = ("/usr/lib/polkit-1/polkitd", "/usr/libexec/polkitd", "/usr/libexec/polkit-1/polkitd")
 ADMINISTRATOR_MAY = f"polkit.addAdminRule(function() {{ return ['unix-user:{ADMINISTRATOR}']; }});\n"
 NOBODY_MAY = "polkit.addRule(function() { return polkit.Result.NO; });\n"
-DEVICES = ("null", "zero", "full", "random", "urandom", "tty")
 
 
 def missing():
     """Why no such world can be made here, or None."""
     if os.geteuid() != 0:
         return "needs root"
-    absent = [name for name in PROGRAMS if not shutil.which(name)] + ([] if _polkitd() else ["polkitd"])
-    if absent:
-        return "needs " + ", ".join(absent)
-    trial = ["unshare", "--mount", "--pid", "--fork", "sh", "-c",
-             "mount -t tmpfs none /mnt && mkdir /mnt/u /mnt/w /mnt/r &&"
-             " mount -t overlay none -o lowerdir=/,upperdir=/mnt/u,workdir=/mnt/w /mnt/r"]
-    return "can't mount here" if subprocess.run(trial, stderr=subprocess.DEVNULL).returncode else None
+    trial = ("mount -t tmpfs none /mnt && mkdir /mnt/u /mnt/w /mnt/r &&"
+             " mount -t overlay none -o lowerdir=/,upperdir=/mnt/u,workdir=/mnt/w /mnt/r 2>/dev/null")
+    return "can't mount here" if enter(["sh", "-c", trial]) else None
 
 
 def enter(argv):
     """Runs `argv` in new namespaces and returns its exit status."""
-    command = ["unshare", "--mount", "--pid", "--fork", "--kill-child", "--propagation", "private", *argv]
-    return subprocess.call(command)
+    return subprocess.call(["unshare", "--mount", "--pid", "--fork", "--kill-child", *argv])
 
 
 def lay(bundle, probe):
     """Makes the world, with `probe` in the bundle, and enters it. All but the checkout is on one device."""
-    root = Path("/mnt/world")
-    mount("tmpfs", "/mnt", "-t", "tmpfs")
-    for name in ("upper", "work", "world"):
-        Path("/mnt", name).mkdir()
-    mount("overlay", root, "-t", "overlay", "-o", "lowerdir=/,upperdir=/mnt/upper,workdir=/mnt/work,xino=on")
-    for place, options in (("run", "mode=755"), ("tmp", "mode=1777"), ("dev", "mode=755")):
-        mount("tmpfs", root / place, "-t", "tmpfs", "-o", options)
-    mount("proc", root / "proc", "-t", "proc")
-    for name in DEVICES:
-        (root / "dev" / name).touch()
-        mount(f"/dev/{name}", root / "dev" / name, "--bind")
-    (root / "dev/pts").mkdir()
-    mount("devpts", root / "dev/pts", "-t", "devpts", "-o", "newinstance,ptmxmode=0666,mode=620")
-    (root / "dev/ptmx").symlink_to("pts/ptmx")
-    shutil.copytree(bundle, f"{root}{BUNDLE}", symlinks=True)
-    shutil.copy(probe, f"{root}{BUNDLE}/Contents/MacOS/probe")
-    Path(f"{root}{CHECKOUT}").mkdir(parents=True)
-    mount(SCRIPTS.parent, f"{root}{CHECKOUT}", "--bind")
+    root = "/mnt/world"
+    run("sh", "-ec", f"""
+        mount -t tmpfs tmpfs /mnt
+        mkdir /mnt/upper /mnt/work {root}
+        mount -t overlay overlay -o lowerdir=/,upperdir=/mnt/upper,workdir=/mnt/work,xino=on {root}
+        mkdir -p {root}{CHECKOUT} '{root}{BUNDLE_FOLDER}'
+        mount --bind "$3" {root}{CHECKOUT}
+        cd {root}
+        mount -t proc proc proc
+        mount -t tmpfs -o mode=755 tmpfs run
+        mount -t tmpfs -o mode=1777 tmpfs tmp
+        mount -t tmpfs -o mode=755 tmpfs dev
+        for name in null zero full random urandom tty; do
+            : >dev/$name
+            mount --bind /dev/$name dev/$name
+        done
+        mkdir dev/pts
+        mount -t devpts -o newinstance,ptmxmode=0666,mode=620 devpts dev/pts
+        ln -s pts/ptmx dev/ptmx
+        cp -R "$1" '{root}{BUNDLE}'
+        cp "$2" '{root}{BUNDLE}/Contents/MacOS/probe'""", "sh", bundle, probe, SCRIPTS.parent)
     os.chroot(root)
     os.chdir("/")
     settings = environment()
@@ -91,20 +85,15 @@ class System:
         run("useradd", "--create-home", "--home-dir", HOME, PLAIN)
         run("useradd", ADMINISTRATOR)
         run("chpasswd", input=f"{ADMINISTRATOR}:{PASSWORD}\n")
-        if subprocess.run(["getent", "group", "admin"], stdout=subprocess.DEVNULL).returncode:
-            run("groupadd", "admin")
-        for folder in ("/Library/Application Support", "/Library/Preferences", "/Volumes", "/run/dbus"):
+        run("groupadd", "--force", "admin")
+        for folder in ("/Library/Application Support", "/Library/Preferences", "/Volumes", "/run/dbus",
+                       "/etc/polkit-1/rules.d"):
             Path(folder).mkdir(parents=True, exist_ok=True)
-        Path("/etc/polkit-1/rules.d").mkdir(parents=True, exist_ok=True)
         Path("/etc/polkit-1/rules.d/00-test.rules").write_text(rule)
         self.log = []
         self._receive_log()
-        self._bus = subprocess.Popen(["dbus-daemon", "--system", "--nofork", "--nopidfile"], stderr=subprocess.DEVNULL)
-        wait(lambda: Path("/run/dbus/system_bus_socket").exists(), "system bus")
-        self._polkit = subprocess.Popen([_polkitd(), "--no-debug"], stderr=subprocess.DEVNULL)
-        names = ["dbus-send", "--system", "--print-reply", "--dest=org.freedesktop.DBus", "/",
-                 "org.freedesktop.DBus.ListNames"]
-        wait(lambda: b"PolicyKit1" in subprocess.run(names, stdout=subprocess.PIPE).stdout, "polkit")
+        # Starts polkit when somebody first asks for it.
+        run("dbus-daemon", "--system", "--fork", "--nopidfile", stderr=subprocess.DEVNULL)
 
     def _receive_log(self):
         inlet = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
@@ -188,10 +177,6 @@ def wait(condition, what, limit=30):
         if time.monotonic() > end:
             raise Unexpected(f"no {what} within {limit} s")
         time.sleep(0.01)
-
-
-def _polkitd():
-    return next((place for place in POLKITD if os.access(place, os.X_OK)), None)
 
 
 def mount(source, place, *options):

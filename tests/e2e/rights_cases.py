@@ -127,7 +127,10 @@ def installed_for_own_group(system):
 
 
 def install_policy():
-    rights.run(f"{CHECKOUT}/scripts/install-policy", BUNDLE)
+    name = "com.brindle.lumetra-installer.policy"
+    policy = Path(CHECKOUT, "packaging", f"{name}.in").read_text()
+    helper = f"{BUNDLE}/Contents/Helpers/{rights.HELPER}"
+    Path("/usr/share/polkit-1/actions", name).write_text(policy.replace("@AUTHORIZATION_HELPER@", helper))
 
 
 def small_library():
