@@ -9,7 +9,7 @@ from pathlib import Path
 sys.path[:0] = [str(Path(__file__).resolve().parent.parent)]
 
 from sandbox import database
-from sandbox.user import ON_DISPLAY, PROGRAM, Unexpected, User
+from sandbox.user import ON_DISPLAY, PROGRAM, Unexpected, go
 from sandbox.world import DATABASE, PREFERENCE, World
 
 SAMPLE_SIZE = 120_000_000
@@ -22,21 +22,20 @@ def sizes(folder):
     return {(path.name, path.stat().st_size) for path in database.data_files(folder)}
 
 
-def end(world, wanted):
-    """Prints what is installed; returns what is wrong, or None."""
+def show_end(world, wanted):
+    """Prints what is installed; Unexpected when that isn't the whole database."""
     try:
         recorded = plistlib.loads(world.path(PREFERENCE).read_bytes())["LumetraFullDatabasePath"]
     except (OSError, KeyError, plistlib.InvalidFileException) as fault:
-        return f"the database is not installed: no place is recorded ({fault})"
+        raise Unexpected(f"the database is not installed: no place is recorded ({fault})") from None
     print(f"\nIn {recorded}:")
     subprocess.run(["ls", "-lA", "--time-style=long-iso", world.path(recorded)], check=False)
     print(f"Recorded in {PREFERENCE}: LumetraFullDatabasePath = {recorded}")
     found = sizes(world.path(recorded))
     missing = {name for name, _ in wanted} - {name for name, _ in found}
     if missing or not found <= wanted:
-        return f"the database is not whole: {sorted(missing) or sorted(found - wanted)}"
+        raise Unexpected(f"the database is not whole: {sorted(missing) or sorted(found - wanted)}")
     print(f"The database is installed: {len(found)} files, {sum(size for _, size in found)} bytes.")
-    return None
 
 
 def open_session(bundle, source=None):
@@ -45,25 +44,24 @@ def open_session(bundle, source=None):
     world.lay()
     if source:
         world.mounts[source] = DATABASE
-        wanted = sizes(source)
     else:
-        database.make(world.path(DATABASE), SAMPLE_SIZE)
-        wanted = sizes(world.path(DATABASE))
+        source = world.path(DATABASE)
+        database.make(source, SAMPLE_SIZE)
+    # Before the installation, which may move the files.
+    wanted = sizes(source)
     if os.environ.get("DISPLAY"):
         print("The installer is open on your display; the result follows when it is closed.")
         status = subprocess.call(world.command(PROGRAM, display=True))
     else:
-        pictures = Path("build/pictures")
+        pictures = Path("build/pictures").resolve()
         pictures.mkdir(exist_ok=True)
         for old in pictures.glob("*.png"):
             old.unlink()
-        status = subprocess.call(world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT,
-                                               writable={pictures.resolve(): PICTURES}))
+        status = subprocess.call(world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT, writable={pictures: PICTURES}))
         print("Pictures of the pages are in build/pictures.")
-    fault = f"the installer ended with status {status}" if status else end(world, wanted)
-    if fault:
-        print(f"run: {fault}", file=sys.stderr)
-    return 1 if fault else 0
+    if status:
+        raise Unexpected(f"the installer ended with status {status}")
+    show_end(world, wanted)
 
 
 def begun(user):
@@ -99,18 +97,9 @@ def walk(user):
     return user.program.wait(60)
 
 
-def walk_inside():
-    user = User(PICTURES)
-    try:
-        return walk(user)
-    except Unexpected as fault:
-        print(f"run: {fault}", file=sys.stderr)
-        return 1
-    finally:
-        print(user.errors(), end="", file=sys.stderr)
-        user.close()
-
-
 if __name__ == "__main__":
     sys.stdout.reconfigure(line_buffering=True)
-    sys.exit(open_session(*sys.argv[1:]) if len(sys.argv) > 1 else walk_inside())
+    try:
+        sys.exit(open_session(*sys.argv[1:]) if len(sys.argv) > 1 else go(walk, PICTURES))
+    except Unexpected as fault:
+        sys.exit(f"run: {fault}")

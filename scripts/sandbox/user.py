@@ -6,6 +6,7 @@ code.
 
 import os
 import subprocess
+import sys
 import time
 
 from gi.repository import Atspi, GLib
@@ -68,7 +69,7 @@ class User:
 
     def box(self):
         """The visible message box, or None."""
-        return next((window for window in self.windows() if window.name == BOX_TITLE), None)
+        return self.dialog(BOX_TITLE)
 
     def dialog(self, caption):
         """The visible folder dialog, or None."""
@@ -194,6 +195,16 @@ class User:
                 if child.getRoleName() == role and (name is None or child.name == name):
                     yield child
                 yield from self._all(role, name, child)
+
+
+def go(steps, pictures=None):
+    """Starts the installer and takes the steps; then says what it wrote to standard error."""
+    user = User(pictures)
+    try:
+        return steps(user)
+    finally:
+        print(user.errors(), end="", file=sys.stderr, flush=True)
+        user.close()
 
 
 def _is(item, state):

@@ -61,7 +61,14 @@ class World:
         user's own display.
         """
         command = ["bwrap", "--die-with-parent", "--unshare-pid", "--bind", self.root, "/"]
-        command += self._identity() + self._system()
+        if not self.superuser:
+            command += ["--unshare-user", "--uid", "0", "--gid", "0"]
+        command += ["--ro-bind", "/usr", "/usr", "--ro-bind", "/etc", "/etc", "--proc", "/proc", "--dev", "/dev",
+                    "--perms", "1777", "--tmpfs", "/tmp", "--tmpfs", "/run", "--perms", "0700", "--dir", "/run/user"]
+        for kind in ("group", "passwd"):
+            command += ["--ro-bind", self._account_file(kind), f"/etc/{kind}"]
+        for name in ("bin", "sbin", "lib", "lib64"):
+            command += ["--symlink", f"usr/{name}", f"/{name}"]
         if self.library_size:
             command += ["--size", str(self.library_size), "--tmpfs", "/Library"]
             command += ["--dir", "/Library/Application Support", "--dir", "/Library/Preferences"]
@@ -73,13 +80,13 @@ class World:
             command += ["--bind", place, inside]
         settings = environment() | {"HOME": HOME, "XDG_RUNTIME_DIR": "/run/user"}
         if display:
-            command += _display_mounts()
             settings |= {name: os.environ[name] for name in ("DISPLAY", "XAUTHORITY") if name in os.environ}
+            for place in filter(None, ("/tmp/.X11-unix", os.environ.get("XAUTHORITY"))):
+                command += ["--ro-bind-try", place, place]
         command.append("--clearenv")
         for name, value in settings.items():
             command += ["--setenv", name, value]
-        command += ["--chdir", "/", "--"]
-        return [str(part) for part in [*command, *argv]]
+        return [str(part) for part in [*command, "--chdir", "/", "--", *argv]]
 
     def _account_file(self, kind):
         return self.root.with_name(f"{self.root.name}.{kind}")
@@ -90,34 +97,8 @@ class World:
         lines = [f"{name}:{record}", *(line for line in lines if not line.startswith(name + ":"))]
         self._account_file(kind).write_text("\n".join(lines) + "\n")
 
-    def _identity(self):
-        if self.superuser:
-            return []
-        return ["--unshare-user", "--uid", "0", "--gid", "0"]
-
-    def _system(self):
-        mounts = ["--ro-bind", "/usr", "/usr", "--ro-bind", "/etc", "/etc",
-                  "--ro-bind", self._account_file("group"), "/etc/group",
-                  "--ro-bind", self._account_file("passwd"), "/etc/passwd",
-                  "--proc", "/proc", "--dev", "/dev", "--perms", "1777", "--tmpfs", "/tmp", "--tmpfs", "/run",
-                  "--perms", "0700", "--dir", "/run/user"]
-        for name in ("bin", "sbin", "lib", "lib32", "lib64", "libx32"):
-            place = Path("/") / name
-            if place.is_symlink():
-                mounts += ["--symlink", os.readlink(place).lstrip("/"), place]
-            elif place.is_dir():
-                mounts += ["--ro-bind", place, place]
-        return mounts
-
 
 def environment():
     """The environment of programs in any world; from the machine's own it takes only the sanitizers' options."""
     kept = {name: os.environ[name] for name in os.environ if name.endswith("SAN_OPTIONS")}
     return kept | {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LANG": "C.UTF-8"}
-
-
-def _display_mounts():
-    mounts = ["--ro-bind-try", "/tmp/.X11-unix", "/tmp/.X11-unix"]
-    if "XAUTHORITY" in os.environ:
-        mounts += ["--ro-bind-try", os.environ["XAUTHORITY"], os.environ["XAUTHORITY"]]
-    return mounts
