@@ -133,7 +133,11 @@ class User:
 
     def type(self, key):
         """Presses a key in the uppermost window, as there is no window manager to focus it."""
-        subprocess.run(["xdotool", "windowfocus", "--sync", _display_windows()[-1], "key", key], check=True)
+        def typed():
+            focus = ["xdotool", "windowfocus", "--sync", *_display_windows()[-1:]]
+            return subprocess.run([*focus, "key", key], check=False).returncode == 0
+        # Fails while a window closes.
+        self.wait(typed, f"window for {key}")
 
     def focus(self, role, name):
         """Goes to a control with the Tab key alone."""
