@@ -84,7 +84,7 @@ FAULTS = (
 # Nearly a minute of waiting, so that these run beside other tests.
 HANGS = (Case("mv hangs", move=True, mv=": >/tmp/tool-runs; kill -STOP $$", outcome=CANCELLED, state="running",
               means="button", answer=34000),
-         Case("df hangs", df="exec sleep 200", outcome=NO_ROOM))
+         Case("df hangs", df="exec sleep 200", outcome=NO_ROOM, seconds=100))
 
 if os.geteuid() != 0:
     FAULTS = tuple(case for case in FAULTS if "setpriv" not in case.limits)
