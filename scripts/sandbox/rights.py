@@ -29,8 +29,8 @@ def missing():
     """Why no such world can be made here, or None."""
     if os.geteuid() != 0:
         return "needs root"
-    trial = ("mount -t tmpfs none /mnt && mkdir /mnt/u /mnt/w /mnt/r &&"
-             " mount -t overlay none -o lowerdir=/,upperdir=/mnt/u,workdir=/mnt/w /mnt/r 2>/dev/null")
+    trial = ("exec 2>/dev/null; mount -t tmpfs none /mnt && mkdir /mnt/u /mnt/w /mnt/r &&"
+             " mount -t overlay none -o lowerdir=/,upperdir=/mnt/u,workdir=/mnt/w /mnt/r")
     return "can't mount here" if enter(["sh", "-c", trial]) else None
 
 
@@ -60,7 +60,7 @@ def lay(bundle, probe):
         mkdir dev/pts
         mount -t devpts -o newinstance,ptmxmode=0666,mode=620 devpts dev/pts
         ln -s pts/ptmx dev/ptmx
-        cp -R "$1" '{root}{BUNDLE}'
+        cp -R --preserve=mode "$1" '{root}{BUNDLE}'
         cp "$2" '{root}{BUNDLE}/Contents/MacOS/probe'""", "sh", bundle, probe, SCRIPTS.parent)
     os.chroot(root)
     os.chdir("/")
