@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 
@@ -33,3 +34,9 @@ public:
 private:
     int descriptor;
 };
+
+/// Becomes readable when the process ends.
+inline Descriptor endOf(pid_t process)
+{
+    return Descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+}

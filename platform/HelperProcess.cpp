@@ -158,17 +158,14 @@ OSStatus HelperProcess::statusOfFailedStart(int errorEnd, const std::string &pro
 
 void HelperProcess::stop()
 {
-    const bool wasConnected = bool(socket);
-    if (wasConnected)
-        shutdown(socket.get(), SHUT_WR);
+    socket.reset();
     if (process > 0) {
         // Reaches pkexec while it asks; the helper itself ends with the socket.
         kill(process, SIGTERM);
-        const bool hasEnded = isReadable(socket.get(), endLimit);
-        while (waitpid(process, nullptr, hasEnded ? 0 : WNOHANG) < 0 && errno == EINTR) { }
+        isReadable(endOf(process).get(), endLimit);
+        waitpid(process, nullptr, WNOHANG);
         process = -1;
     }
-    socket.reset();
 }
 
 bool HelperProcess::isRunning() const
@@ -192,7 +189,7 @@ OSStatus HelperProcess::runTool(const char *tool, char *const *arguments, Descri
     return reply.status;
 }
 
-/// False when there is no whole reply.
+/// False when there is no whole reply, or no descriptor left for its connection.
 bool HelperProcess::receive(HelperReply &reply, Descriptor &connection)
 {
     iovec span{&reply, sizeof reply};
@@ -209,5 +206,5 @@ bool HelperProcess::receive(HelperReply &reply, Descriptor &connection)
         std::memcpy(&number, CMSG_DATA(header), sizeof number);
         connection = Descriptor(number);
     }
-    return length == sizeof reply;
+    return length == sizeof reply && !(message.msg_flags & MSG_CTRUNC);
 }

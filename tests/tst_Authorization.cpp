@@ -74,6 +74,13 @@ class tst_Authorization : public QObject {
         return childOf(childOf(getpid()));
     }
 
+    QString program(const QByteArray &script)
+    {
+        const QString file = tree->file("program", "#!/bin/sh\n" + script);
+        QFile::setPermissions(file, QFile::Permissions(0x7555));
+        return file;
+    }
+
     void giveUpRight()
     {
         if (authorization)
@@ -174,11 +181,9 @@ private slots:
     void whatTookTheNewFoldersPlaceIsNotGivenAway()
     {
         QFETCH(const QByteArray, making);
-        const QString script = tree->file("script", "#!/bin/sh\n" + making + "; /bin/mv other $1");
-        QVERIFY(
-            QDir().mkdir(tree->path("other")) && QFile::setPermissions(script, QFile::Permissions(0x7555)));
+        tree->folder("other");
         {
-            const Mount swapped(script, "/bin/mkdir");
+            const Mount swapped(program(making + "; /bin/mv other $1"), "/bin/mkdir");
             QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
         }
         QVERIFY(QFileInfo::exists(folder));
@@ -263,6 +268,22 @@ private slots:
         wait(nullptr);
         QCOMPARE(reply.status, OSStatus(errAuthorizationToolExecuteFailure));
         QVERIFY(!QFileInfo::exists(folder));
+    }
+
+    void helperThatHangsIsNotWaitedFor()
+    {
+        giveUpRight();
+        // Is ready, answers with less than a reply, and stays.
+        const QByteArray hanging =
+            "trap '' TERM; head -c 512 /dev/zero >&0; head -c 1 <&0; echo >&0; exec sleep 900";
+        const Mount helper(program(hanging), QString::fromStdString(helperPath()));
+        obtainRight(authorization);
+        QCOMPARE(run("/bin/mkdir", {}), OSStatus(errAuthorizationInternal));
+        const int left = childOf(getpid());
+        giveUpRight();
+        QVERIFY(isAlive(left));
+        kill(left, SIGKILL);
+        waitpid(left, nullptr, 0);
     }
 
     void helperEndsWithAKilledInstaller()

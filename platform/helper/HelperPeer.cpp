@@ -6,7 +6,6 @@
 #include <cstring>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace {
@@ -30,11 +29,6 @@ const char *refusalOf(const msghdr &message, pid_t process)
     if (message.msg_flags & MSG_CTRUNC)
         return "the request comes with a descriptor";
     return "";
-}
-
-Descriptor lifetimeOf(pid_t process)
-{
-    return Descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
 }
 
 } // namespace
@@ -62,7 +56,7 @@ bool HelperPeer::identify()
         return false;
     process = credentials.pid;
     userId = credentials.uid;
-    lifetime = lifetimeOf(process);
+    lifetime = endOf(process);
     // Checked after opening the pidfd: if it is still our parent, the pidfd can't belong to a later process
     // with the same id.
     return lifetime && getppid() == process
@@ -129,7 +123,7 @@ void HelperPeer::answer(const std::string &refusal, const Descriptor &connection
 
 std::optional<int> HelperPeer::waitForTool(pid_t tool) const
 {
-    const Descriptor end = lifetimeOf(tool);
+    const Descriptor end = endOf(tool);
     int status = 0;
     if (!comesBeforeEnd(end.get()) || waitpid(tool, &status, 0) != tool)
         return std::nullopt;
