@@ -13,7 +13,6 @@
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <vector>
 
 namespace {
 
@@ -41,41 +40,23 @@ bool isReadable(int descriptor, int limit)
     return count > 0;
 }
 
-/// This environment with LC_ALL=C, because pkexec's messages are matched in English.
-std::vector<char *> plainEnvironment()
-{
-    static char locale[] = "LC_ALL=C";
-    std::vector<char *> variables;
-    for (char **variable = environ; variable && *variable; ++variable) {
-        if (std::strncmp(*variable, "LC_ALL=", 7) != 0)
-            variables.push_back(*variable);
-    }
-    variables.push_back(locale);
-    variables.push_back(nullptr);
-    return variables;
-}
-
-/// Starts the helper, its standard input the one and its standard error the other descriptor. A negative id:
-/// errno.
+/// Starts the helper with these standard descriptors. Negative when that fails, which is said.
 pid_t spawn(const std::string &helper, int input, int error)
 {
     std::string program = geteuid() == 0 ? helper : pkexec;
     std::string noTerminal = "--disable-internal-agent";
     std::string own = helper;
-    std::vector<char *> argumentList{program.data()};
-    if (program == pkexec)
-        argumentList.insert(argumentList.end(), {noTerminal.data(), own.data()});
-    argumentList.push_back(nullptr);
+    // The helper itself ignores its arguments.
+    char *argumentList[] = {program.data(), noTerminal.data(), own.data(), nullptr};
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
+    for (int output : {STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_adddup2(&actions, error, output);
     pid_t child = -1;
-    const int failure = posix_spawn(
-        &child, program.c_str(), &actions, nullptr, argumentList.data(), plainEnvironment().data());
+    const int failure = posix_spawn(&child, program.c_str(), &actions, nullptr, argumentList, environ);
     posix_spawn_file_actions_destroy(&actions);
-    errno = failure;
     if (failure)
         say(program + ": " + std::strerror(failure));
     return failure ? -1 : child;
