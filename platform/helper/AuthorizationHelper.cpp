@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <grp.h>
-#include <sys/stat.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -22,28 +21,18 @@ namespace {
 /// An installer is refused a few times at most. Whoever gets this far is probing.
 constexpr int mostRefusals = 10;
 
-/// Opens /dev/null for each standard descriptor that was closed, so that no later open gets its number.
-bool hasStandardDescriptors()
-{
-    Descriptor filler;
-    do {
-        filler.release();
-        filler = Descriptor(open("/dev/null", O_RDWR | O_CLOEXEC));
-    } while (filler && filler.get() <= STDERR_FILENO);
-    return bool(filler);
-}
-
-/// Drops everything inherited from the caller except the standard descriptors.
+/// Drops what was inherited from the caller, except the standard descriptors.
 bool shedSurroundings()
 {
-    clearenv();
-    umask(022);
+    // The tools inherit these. Without a handler no system call here ends with EINTR.
     for (int number = 1; number < NSIG; ++number)
         std::signal(number, SIG_DFL);
-    std::signal(SIGPIPE, SIG_IGN);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
     // A key typed in the installer's terminal is meant for the installer.
     setsid();
-    return chdir("/") == 0 && close_range(STDERR_FILENO + 1, ~0U, 0) == 0 && hasStandardDescriptors();
+    return close_range(STDERR_FILENO + 1, ~0U, 0) == 0;
 }
 
 /// A line for the journal, whatever bytes it is made from. Longer than the longest path by what else there is
@@ -61,16 +50,15 @@ std::string printable(std::string line)
 }
 
 /// The request in words, with the folder that it is about before the rest.
-std::string described(const HelperRequest &request, bool isAboutFolder)
+std::string described(HelperRequest words, bool isAboutFolder)
 {
-    std::vector<std::string> arguments = request.arguments;
     if (isAboutFolder)
-        std::rotate(arguments.begin(), arguments.end() - 1, arguments.end());
-    std::string line = request.tool;
-    for (std::string &argument : arguments) {
+        std::rotate(words.begin() + 1, words.end() - 1, words.end());
+    std::string line;
+    for (std::string &word : words) {
         // So that none can seem to be two.
-        std::replace(argument.begin(), argument.end(), '\'', '?');
-        line += " '" + argument + "'";
+        std::replace(word.begin(), word.end(), '\'', '?');
+        line += line.empty() ? word : " '" + word + "'";
     }
     return line;
 }
@@ -80,17 +68,17 @@ std::string described(const HelperRequest &request, bool isAboutFolder)
 std::string bindToFolder(
     HelperCommand &command, const HelperRule &rule, uid_t user, const HelperFolders &folders)
 {
-    const std::string path = command.arguments.back();
+    const std::string path = command.words.back();
     std::string refusal = pathRefusal(path);
     if (!refusal.empty())
         return refusal;
     command.folder = folders.open(path, rule.folders, user, refusal);
     if (rule.folders & New) {
         // The mode goes into the umask, because mkdir -m would look the new name up a second time.
-        command.mask = command.arguments[1] == "775" ? 002 : 022;
-        command.arguments = {path.substr(path.rfind('/') + 1)};
+        command.mask = command.words[2] == "775" ? 002 : 022;
+        command.words = {command.words[0], path.substr(path.rfind('/') + 1)};
     } else {
-        command.arguments.back() = ".";
+        command.words.back() = ".";
     }
     return refusal;
 }
@@ -103,11 +91,8 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
         caller.admin = admin->gr_gid;
     const HelperRule *rule = ruleFor(request, caller);
     if (!rule)
-        return "no installation needs " + described(request, false);
-    HelperCommand command;
-    command.tool = request.tool;
-    command.arguments = request.arguments;
-    command.folder = Descriptor(open("/", O_PATH | O_CLOEXEC));
+        return "no installation needs this: " + described(request, false);
+    HelperCommand command{request, Descriptor(open("/", O_PATH | O_CLOEXEC))};
     const std::string description = described(request, rule->folders);
     if (rule->folders) {
         const std::string refusal = bindToFolder(command, *rule, caller.user, folders);
@@ -124,7 +109,7 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
     peer.answer({}, tool.connection);
     tool.connection.reset();
     if (peer.waitForTool(tool.process) == 0 && rule->folders & New)
-        folders.remember(command.folder, command.arguments[0]);
+        folders.remember(command.folder, command.words[1]);
     return {};
 }
 
@@ -132,22 +117,16 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
 
 int main()
 {
-    const char *askingUser = std::getenv("PKEXEC_UID");
-    // As `pkexec --user` has it.
-    if (askingUser && geteuid() != 0)
-        return EXIT_FAILURE;
-    HelperPeer peer(STDIN_FILENO, askingUser);
-    if (!shedSurroundings() || !peer.identify())
+    HelperPeer peer;
+    if (!shedSurroundings() || !peer.identify(std::getenv("PKEXEC_UID")))
         return EXIT_FAILURE;
     openlog("lumetra-installer", LOG_PID, LOG_AUTHPRIV);
     peer.answer({}, Descriptor());
     HelperFolders folders;
     for (int refusals = 0; refusals < mostRefusals && peer.waitForPacket();) {
         const Packet packet = peer.receive();
-        const HelperRequest request = parseRequest(packet.bytes.data(), packet.bytes.size());
-        const std::string refusal = !packet.refusal.empty() ? packet.refusal
-            : !request.refusal.empty()                      ? request.refusal
-                                                            : serve(peer, request, folders);
+        const std::string refusal =
+            packet.refusal.empty() ? serve(peer, parseRequest(packet.bytes), folders) : packet.refusal;
         if (refusal.empty())
             continue;
         syslog(LOG_WARNING, "user %u was refused: %s", peer.user(), printable(refusal).c_str());

@@ -76,11 +76,6 @@ std::string realPath(const Descriptor &folder)
     return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder.get()), failure).string();
 }
 
-bool isSame(const struct stat &one, const struct stat &other)
-{
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
 } // namespace
 
 Descriptor HelperFolders::open(
@@ -91,13 +86,9 @@ Descriptor HelperFolders::open(
     if (!parent)
         return parent;
     if (kinds & New) {
-        refusal = parentRefusal(realPath(parent));
-        if (!refusal.empty())
-            return Descriptor();
-        if (madeCount < mostFolders)
-            return parent;
-        refusal = "more folders than an installation makes";
-        return Descriptor();
+        refusal = madeCount < mostFolders ? parentRefusal(realPath(parent))
+                                          : "more folders than an installation makes";
+        return parent;
     }
     Descriptor folder(openat(parent.get(), path.c_str() + slash + 1, openedFolder));
     if (!folder) {
@@ -106,10 +97,9 @@ Descriptor HelperFolders::open(
     }
     const bool isAllowed = (kinds & Made && isMade(folder)) || (kinds & Shared && isShared(path))
         || (kinds & Own && statusOf(folder).st_uid == caller);
-    if (isAllowed)
-        return folder;
-    refusal = "the folder is none of the installation's";
-    return Descriptor();
+    if (!isAllowed)
+        refusal = "the folder is none of the installation's";
+    return folder;
 }
 
 void HelperFolders::remember(const Descriptor &parent, const std::string &name)
@@ -117,16 +107,16 @@ void HelperFolders::remember(const Descriptor &parent, const std::string &name)
     ++madeCount;
     Descriptor folder(openat(parent.get(), name.c_str(), openedFolder));
     std::error_code failure;
-    const bool isEmpty =
-        std::filesystem::is_empty("/proc/self/fd/" + std::to_string(folder.get()), failure) && !failure;
+    const bool isEmpty = std::filesystem::is_empty("/proc/self/fd/" + std::to_string(folder.get()), failure);
     const struct stat status = statusOf(folder);
-    if (folder && isEmpty && status.st_uid == 0 && status.st_gid == 0)
+    if (isEmpty && status.st_uid == 0 && status.st_gid == 0)
         made.push_back(std::move(folder));
 }
 
 bool HelperFolders::isMade(const Descriptor &folder) const
 {
     const struct stat status = statusOf(folder);
-    return std::any_of(
-        made.begin(), made.end(), [&](const Descriptor &one) { return isSame(statusOf(one), status); });
+    return std::any_of(made.begin(), made.end(), [&](const Descriptor &one) {
+        return statusOf(one).st_dev == status.st_dev && statusOf(one).st_ino == status.st_ino;
+    });
 }

@@ -24,8 +24,6 @@ const char *refusalOf(const msghdr &message, pid_t process)
 {
     if (!isFrom(process, message))
         return "the request is another process's";
-    if (message.msg_flags & MSG_TRUNC)
-        return "the request is too large";
     if (message.msg_flags & MSG_CTRUNC)
         return "the request comes with a descriptor";
     return "";
@@ -33,25 +31,12 @@ const char *refusalOf(const msghdr &message, pid_t process)
 
 } // namespace
 
-HelperPeer::HelperPeer(int socketDescriptor, const char *askingUser)
-    : socket(socketDescriptor)
-    , expectedUser(askingUser ? askingUser : "")
+bool HelperPeer::identify(const char *askingUser)
 {
-}
-
-bool HelperPeer::identify()
-{
-    // A stream has no boundaries between requests.
-    int type = 0;
-    socklen_t typeSize = sizeof type;
-    int domain = 0;
-    socklen_t domainSize = sizeof domain;
     ucred credentials{};
     socklen_t size = sizeof credentials;
     const int on = 1;
-    if (getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &typeSize) != 0 || type != SOCK_SEQPACKET
-        || getsockopt(socket, SOL_SOCKET, SO_DOMAIN, &domain, &domainSize) != 0 || domain != AF_UNIX
-        || getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
         || setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0)
         return false;
     process = credentials.pid;
@@ -59,8 +44,7 @@ bool HelperPeer::identify()
     lifetime = endOf(process);
     // Checked after opening the pidfd: if it is still our parent, the pidfd can't belong to a later process
     // with the same id.
-    return lifetime && getppid() == process
-        && (expectedUser.empty() || expectedUser == std::to_string(userId));
+    return lifetime && getppid() == process && (!askingUser || askingUser == std::to_string(userId));
 }
 
 bool HelperPeer::waitForPacket() const
@@ -71,7 +55,7 @@ bool HelperPeer::waitForPacket() const
 Packet HelperPeer::receive() const
 {
     Packet packet;
-    packet.bytes.resize(largestRequest);
+    packet.bytes.resize(largestRequest + 1); // what is too large shows
     iovec span{packet.bytes.data(), packet.bytes.size()};
     // With no room for them the kernel drops descriptors. One that arrived would have to be closed, and
     // close() can block on the file system behind it.
@@ -81,11 +65,7 @@ Packet HelperPeer::receive() const
     message.msg_iovlen = 1;
     message.msg_control = control;
     message.msg_controllen = sizeof control;
-    ssize_t length = 0;
-    do {
-        length = recvmsg(socket, &message, 0);
-    } while (length < 0 && errno == EINTR);
-
+    const ssize_t length = recvmsg(socket, &message, MSG_DONTWAIT);
     packet.bytes.resize(length > 0 ? static_cast<size_t>(length) : 0);
     packet.refusal = length < 0 ? std::strerror(errno) : refusalOf(message, process);
     return packet;
@@ -135,9 +115,5 @@ bool HelperPeer::comesBeforeEnd(int descriptor) const
 {
     // The socket isn't enough: a child of the peer may have inherited its end.
     pollfd sources[] = {{descriptor, POLLIN, 0}, {socket, POLLRDHUP, 0}, {lifetime.get(), POLLIN, 0}};
-    int count = 0;
-    do {
-        count = poll(sources, 3, -1);
-    } while (count < 0 && errno == EINTR);
-    return count > 0 && !sources[1].revents && !sources[2].revents;
+    return poll(sources, 3, -1) > 0 && !hasEnded();
 }

@@ -9,19 +9,16 @@
 /// What one packet brought.
 struct Packet {
     std::string bytes;
-    /// Why it can't be accepted: it was too large, came from another process or with a descriptor.
+    /// Why it can't be accepted: it came from another process or with a descriptor.
     std::string refusal;
 };
 
 /// The one process that this helper serves: its parent, at the other end of the socket.
 class HelperPeer {
 public:
-    /// `askingUser` is the user id as pkexec names it, null when it wasn't pkexec that started this.
-    HelperPeer(int socketDescriptor, const char *askingUser);
-
-    /// Whether this is a socket for packets, its other end made by this process's parent, for the user who
-    /// asked.
-    bool identify();
+    /// Whether the other end of standard input is a socket that this process's parent made, as the user who
+    /// asked: the id as pkexec names it, null when it wasn't pkexec that started this.
+    bool identify(const char *askingUser);
     uid_t user() const { return userId; }
 
     /// True when there is something to receive, false when the process has died or closed its end.
@@ -40,8 +37,7 @@ public:
 private:
     bool comesBeforeEnd(int descriptor) const;
 
-    int socket;
-    std::string expectedUser;
+    static constexpr int socket = STDIN_FILENO;
     pid_t process = 0;
     uid_t userId = 0;
     Descriptor lifetime;

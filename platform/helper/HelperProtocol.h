@@ -14,7 +14,6 @@ constexpr const char *helperName = "authorization-helper";
 /// Four times what the longest request of the installer takes: a path, a key and a value of 4096 bytes at the
 /// most.
 constexpr size_t largestRequest = 48 * 1024;
-constexpr size_t mostArguments = 8;
 
 struct HelperReply {
     OSStatus status = errAuthorizationSuccess;

@@ -1,19 +1,15 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// What the helper is asked to run.
-struct HelperRequest {
-    std::string tool;
-    std::vector<std::string> arguments;
-    /// Why the request can't be accepted; empty when it can.
-    std::string refusal;
-};
+/// What the helper is asked to run: the tool's path and its arguments.
+using HelperRequest = std::vector<std::string>;
 
-/// Takes a packet apart. Refused: no bytes, more than largestRequest, a last string without its NUL, a tool
-/// that is no absolute path, no argument, or more than mostArguments.
-HelperRequest parseRequest(const char *bytes, size_t length);
+/// Takes a packet apart. Nothing when it has more than largestRequest bytes, or a last string without its
+/// NUL.
+HelperRequest parseRequest(std::string_view packet);
 
 /// The packet that parseRequest takes apart.
 std::string packRequest(const char *tool, char *const *arguments);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -16,16 +17,16 @@ constexpr const char *systemFolders[] = {
     "/usr", "/etc", "/bin", "/sbin", "/boot", "/dev", "/proc", "/sys", "/run", "/var", "/root"};
 
 constexpr HelperRule rules[] = {
-    {"/bin/mkdir", {"-m", "755", "<folder>"}, New},
-    {"/bin/mkdir", {"-m", "775", "<folder>"}, New},
-    {"/usr/bin/chgrp", {"<admin>", "<folder>"}, Made | Shared},
-    {"/usr/sbin/chown", {"<user>", "<database>"}, Made},
-    {"/usr/sbin/chown", {"<user>:<admin>", "<database>"}, Made},
-    {"/usr/sbin/chown", {"-h", "<user>", "<database>"}, Made},
-    {"/usr/sbin/chown", {"-h", "<user>:<admin>", "<database>"}, Made},
-    {"/bin/chmod", {"0775", "<folder>"}, Made | Shared | Own},
-    {"/usr/bin/defaults", {"write", list, key, "<value>"}},
-    {"/usr/bin/defaults", {"delete", list, key}},
+    {{"/bin/mkdir", "-m", "755", "<folder>"}, New},
+    {{"/bin/mkdir", "-m", "775", "<folder>"}, New},
+    {{"/usr/bin/chgrp", "<admin>", "<folder>"}, Made | Shared},
+    {{"/usr/sbin/chown", "<user>", "<database>"}, Made},
+    {{"/usr/sbin/chown", "<user>:<admin>", "<database>"}, Made},
+    {{"/usr/sbin/chown", "-h", "<user>", "<database>"}, Made},
+    {{"/usr/sbin/chown", "-h", "<user>:<admin>", "<database>"}, Made},
+    {{"/bin/chmod", "0775", "<folder>"}, Made | Shared | Own},
+    {{"/usr/bin/defaults", "write", list, key, "<value>"}},
+    {{"/usr/bin/defaults", "delete", list, key}},
 };
 
 bool fits(std::string_view word, const std::string &argument, const HelperCaller &caller)
@@ -62,10 +63,9 @@ bool isDatabaseName(std::string_view name)
 const HelperRule *ruleFor(const HelperRequest &request, const HelperCaller &caller)
 {
     const auto isKept = [&](const HelperRule &rule) {
-        const auto end = std::find(std::begin(rule.arguments), std::end(rule.arguments), nullptr);
-        return request.tool == rule.tool
-            && std::equal(std::begin(rule.arguments), end, request.arguments.begin(), request.arguments.end(),
-                [&](const char *word, const std::string &argument) { return fits(word, argument, caller); });
+        const auto end = std::find(std::begin(rule.words), std::end(rule.words), nullptr);
+        return std::equal(std::begin(rule.words), end, request.begin(), request.end(),
+            [&](const char *word, const std::string &argument) { return fits(word, argument, caller); });
     };
     const auto rule = std::find_if(std::begin(rules), std::end(rules), isKept);
     return rule == std::end(rules) ? nullptr : rule;
@@ -76,14 +76,9 @@ std::string pathRefusal(const std::string &path)
     if (path.empty() || path[0] != '/' || path.size() >= PATH_MAX)
         return "the path isn't absolute, or too long";
     // A folder picked in the root is "//Lumetra".
-    const bool isInRoot = path.rfind('/') == 1;
-    for (size_t at = isInRoot ? 1 : 0; at < path.size();) {
-        const size_t end = std::min(path.find('/', at + 1), path.size());
-        const std::string part = path.substr(at + 1, end - at - 1);
-        if (part.empty() || part == "." || part == "..")
-            return "the path isn't plain";
-        at = end;
-    }
+    const std::string plain = path.substr(path.rfind('/') == 1 ? 1 : 0);
+    if (std::filesystem::path(plain).lexically_normal().native() != plain)
+        return "the path isn't plain";
     if (path != productFolder && !isDatabaseName(path.substr(path.rfind('/') + 1)))
         return "the folder is none that an installation makes";
     return {};

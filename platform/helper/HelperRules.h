@@ -22,9 +22,8 @@ enum HelperFolder : unsigned {
 
 /// One command that an installation needs.
 struct HelperRule {
-    const char *tool;
-    /// Words in angle brackets stand for what they say; the folder comes last.
-    const char *arguments[4];
+    /// Those in angle brackets stand for what they say; the folder comes last.
+    const char *words[5];
     unsigned folders = NoFolder;
 };
 

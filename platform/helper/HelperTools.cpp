@@ -27,15 +27,6 @@ std::string placeOf(const std::string &tool)
     return program.substr(0, program.rfind('/') + 1) + name;
 }
 
-void resetSignals()
-{
-    for (int number = 1; number < NSIG; ++number)
-        std::signal(number, SIG_DFL);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-}
-
 /// Runs in the child. Returns only if exec, or a step before it, failed.
 void becomeTool(
     const HelperCommand &command, const std::string &place, const Descriptor &connection, pid_t helper)
@@ -44,28 +35,16 @@ void becomeTool(
     if (getppid() != helper || fchdir(command.folder.get()) != 0)
         return;
     umask(command.mask);
-    resetSignals();
     for (int standard = STDIN_FILENO; standard <= STDERR_FILENO; ++standard)
         dup2(connection.get(), standard);
-    std::vector<char *> arguments{const_cast<char *>(command.tool.c_str())};
-    for (const std::string &argument : command.arguments)
-        arguments.push_back(const_cast<char *>(argument.c_str()));
-    arguments.push_back(nullptr);
+    std::vector<char *> words;
+    for (const std::string &word : command.words)
+        words.push_back(const_cast<char *>(word.c_str()));
+    words.push_back(nullptr);
     char path[] = "PATH=/usr/sbin:/usr/bin:/sbin:/bin";
     char locale[] = "LC_ALL=C";
     char *environment[] = {path, locale, nullptr};
-    execve(place.c_str(), arguments.data(), environment);
-}
-
-/// Waits until exec closes the child's end of the pipe (0), or the child sends its errno.
-int startFailure(const Descriptor &reportEnd)
-{
-    int failure = 0;
-    ssize_t count = 0;
-    do {
-        count = read(reportEnd.get(), &failure, sizeof failure);
-    } while (count < 0 && errno == EINTR);
-    return count == 0 ? 0 : failure ? failure : EIO;
+    execve(place.c_str(), words.data(), environment);
 }
 
 HelperTool notStarted(const std::string &what)
@@ -79,7 +58,7 @@ HelperTool notStarted(const std::string &what)
 
 HelperTool startTool(const HelperCommand &command)
 {
-    const std::string place = placeOf(command.tool);
+    const std::string place = placeOf(command.words[0]);
     int connection[2];
     int report[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, connection) != 0)
@@ -102,9 +81,11 @@ HelperTool startTool(const HelperCommand &command)
     if (tool.process < 0)
         return notStarted("no process");
     childEnd.reset();
-    errno = startFailure(reportEnd);
-    if (errno == 0)
+    // A child that can't become the tool sends its errno; exec closes its end.
+    int failure = 0;
+    if (read(reportEnd.get(), &failure, sizeof failure) == 0)
         return tool;
     waitpid(tool.process, nullptr, 0);
+    errno = failure;
     return notStarted(place);
 }

@@ -1,15 +1,11 @@
 #pragma once
 
+#include "HelperRequest.h"
 #include "platform/Descriptor.h"
-
-#include <string>
-#include <vector>
 
 /// A tool and what it is started with.
 struct HelperCommand {
-    /// As the installer names it.
-    std::string tool;
-    std::vector<std::string> arguments;
+    HelperRequest words;
     /// The working folder. Without one the tool isn't started.
     Descriptor folder;
     mode_t mask = 022;
