@@ -9,7 +9,7 @@ namespace {
 
 CFPropertyListRef valueIn(const std::string &file, const std::string &key)
 {
-    const PropertyList list = readPropertyListFile(file.c_str()).list;
+    const PropertyList list = readPropertyListFile(file).list;
     const plist_t value = list ? plist_dict_get_item(list.get(), key.c_str()) : nullptr;
     if (!value)
         return nullptr;

@@ -1,29 +1,26 @@
 #include "PropertyListFile.h"
 
-#include "Utf8.h"
 #include "platform/Descriptor.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
+#include <iconv.h>
 #include <sys/stat.h>
 
 namespace {
 
-PropertyListFile problem(PropertyListFile::Problem what, const std::string &reason)
+PropertyListFile noList(const std::string &problem, bool isMissing = false)
 {
-    PropertyListFile file;
-    file.problem = what;
-    file.reason = reason;
-    return file;
+    return {nullptr, problem, isMissing};
 }
 
-PropertyListFile systemProblem()
+PropertyListFile unreadable()
 {
-    if (errno == ELOOP)
-        return problem(PropertyListFile::Unreadable, "is a symbolic link");
-    return problem(errno == ENOENT ? PropertyListFile::Missing : PropertyListFile::Unreadable,
-        std::string("can't be read: ") + std::strerror(errno));
+    return noList(
+        errno == ELOOP ? "is a symbolic link" : std::string("can't be read: ") + std::strerror(errno),
+        errno == ENOENT);
 }
 
 PropertyListFile parsed(const std::string &bytes)
@@ -35,58 +32,51 @@ PropertyListFile parsed(const std::string &bytes)
     else if (isUtf8(bytes))
         plist_from_xml(bytes.data(), length, &root);
 
-    PropertyListFile file;
-    file.list.reset(root);
-    if (!root || plist_get_node_type(root) != PLIST_DICT)
-        return problem(PropertyListFile::NotAPropertyList, "is not a property list");
-    return file;
-}
-
-PropertyListFile readFrom(int descriptor)
-{
-    struct stat status { };
-    if (fstat(descriptor, &status) != 0)
-        return systemProblem();
-    if (!S_ISREG(status.st_mode))
-        return problem(PropertyListFile::Unreadable, "is not a regular file");
-
-    std::string bytes(largestPropertyList + 1, '\0');
-    size_t length = 0;
-    while (length < bytes.size()) {
-        const ssize_t count = read(descriptor, bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return systemProblem();
-        if (count == 0)
-            break;
-        length += static_cast<size_t>(count);
-    }
-    if (length > largestPropertyList)
-        return problem(PropertyListFile::Unreadable, "is too large for a property list");
-    // A loss of power leaves an empty file, which holds no more than none.
-    if (length == 0)
-        return problem(PropertyListFile::Missing, "is empty");
-    bytes.resize(length);
-    return parsed(bytes);
-}
-
-PropertyListFile openAndRead(const char *path, int folder, int extraFlags)
-{
-    // Without O_NONBLOCK a FIFO would be waited for.
-    const Descriptor descriptor(
-        openat(folder, path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | extraFlags));
-    return descriptor ? readFrom(descriptor.get()) : systemProblem();
+    PropertyListFile file{PropertyList(root), {}};
+    return root && plist_get_node_type(root) == PLIST_DICT ? std::move(file)
+                                                           : noList("is not a property list");
 }
 
 } // namespace
 
-PropertyListFile readPropertyListFile(const char *path, int folder)
+PropertyListFile readPropertyListFile(const std::string &path, int openFlags)
 {
-    return openAndRead(path, folder, O_NOFOLLOW);
+    // Without O_NONBLOCK a FIFO would be waited for.
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | openFlags));
+    struct stat status { };
+    if (!file || fstat(file.get(), &status) != 0)
+        return unreadable();
+    if (!S_ISREG(status.st_mode))
+        return noList("is not a regular file");
+
+    std::string bytes(largestPropertyList + 1, '\0');
+    size_t length = 0;
+    ssize_t count = 0;
+    while ((count = read(file.get(), &bytes[length], bytes.size() - length)) > 0)
+        length += static_cast<size_t>(count);
+    if (count < 0)
+        return unreadable();
+    if (length > largestPropertyList)
+        return noList("is too large for a property list");
+    // A loss of power leaves an empty file, which holds no more than none.
+    if (length == 0)
+        return noList("is empty", true);
+    bytes.resize(length);
+    return parsed(bytes);
 }
 
-PropertyListFile readPropertyListFile(const char *path)
+bool isUtf8(const std::string &bytes)
 {
-    return openAndRead(path, AT_FDCWD, 0);
+    // Into a form that has none of what UTF-8 must not hold; it takes at most twice the room.
+    const iconv_t converter = iconv_open("UTF-16LE", "UTF-8");
+    if (reinterpret_cast<intptr_t>(converter) == -1)
+        return false;
+    std::string converted(2 * bytes.size(), '\0');
+    char *in = const_cast<char *>(bytes.data());
+    char *out = converted.data();
+    size_t left = bytes.size();
+    size_t room = converted.size();
+    const bool isValid = iconv(converter, &in, &left, &out, &room) != static_cast<size_t>(-1);
+    iconv_close(converter);
+    return isValid;
 }

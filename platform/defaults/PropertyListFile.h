@@ -14,20 +14,19 @@ using PropertyList = std::unique_ptr<void, PropertyListDeleter>;
 
 /// A file's dictionary, or why there is none.
 struct PropertyListFile {
-    /// An empty file is missing, too.
-    enum Problem { None, Missing, Unreadable, NotAPropertyList };
-
     PropertyList list;
-    Problem problem = None;
-    /// Readable, for every problem.
-    std::string reason = {};
+    /// Empty when there is a list.
+    std::string problem;
+    /// The file is missing or empty.
+    bool isMissing = false;
 };
 
 /// Preferences are a few kilobytes; more than this is no preference file.
 constexpr size_t largestPropertyList = 64 * 1024;
 
-/// Reads a regular file, never waiting for a special one and never following a symbolic link in the last
-/// place. `folder` is what a relative path starts from, as for openat.
-PropertyListFile readPropertyListFile(const char *path, int folder);
-/// The same; a link is followed.
-PropertyListFile readPropertyListFile(const char *path);
+/// Reads a regular file, never waiting for a special one. `openFlags` are added to those that it is opened
+/// with.
+PropertyListFile readPropertyListFile(const std::string &path, int openFlags = 0);
+
+/// Whether the bytes are well-formed UTF-8: no overlong form, no surrogate, nothing past U+10FFFF.
+bool isUtf8(const std::string &bytes);

@@ -1,5 +1,4 @@
 #include "PropertyListWriter.h"
-#include "Utf8.h"
 
 #include <csignal>
 #include <cstdio>
@@ -18,9 +17,9 @@ int complain(const std::string &what)
 
 int readValue(const std::string &path, const std::string &key)
 {
-    const PropertyListFile file = readPropertyListFile(path.c_str());
-    if (file.problem != PropertyListFile::None)
-        return complain(path + " " + file.reason);
+    const PropertyListFile file = readPropertyListFile(path);
+    if (!file.list)
+        return complain(path + " " + file.problem);
     const plist_t value = plist_dict_get_item(file.list.get(), key.c_str());
     if (!value)
         return complain(path + " has no key " + key);
