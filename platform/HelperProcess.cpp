@@ -8,9 +8,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 
@@ -22,6 +22,8 @@ constexpr const char *pkexec = "/usr/bin/pkexec";
 /// Milliseconds to wait for the helper to answer or exit. No user is involved, so anything longer is a hang.
 constexpr int answerLimit = 30000;
 constexpr int endLimit = 5000;
+/// How long a signal that ends this process can go unnoticed.
+constexpr int signalsLimit = 100;
 
 void say(const std::string &line)
 {
@@ -74,46 +76,42 @@ OSStatus HelperProcess::start(const std::string &prompt)
         return errAuthorizationInternal;
     }
     int sockets[2];
-    int errorPipe[2];
-    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0)
+    const Descriptor messages(memfd_create("messages", MFD_CLOEXEC));
+    if (!messages || socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0) {
+        say(helper + ": " + std::strerror(errno));
         return errAuthorizationInternal;
+    }
     socket = Descriptor(sockets[0]);
     Descriptor helperEnd(sockets[1]);
-    if (pipe2(errorPipe, O_CLOEXEC) != 0) {
-        socket.reset();
-        return errAuthorizationInternal;
-    }
-    const Descriptor errorEnd(errorPipe[0]);
-    Descriptor helperErrorEnd(errorPipe[1]);
 
     const EndSignals endSignals;
-    process = spawn(helper, helperEnd.get(), helperErrorEnd.get());
+    process = spawn(helper, helperEnd.get(), messages.get());
     helperEnd.reset();
-    helperErrorEnd.reset();
-    pollfd sources[] = {{socket.get(), POLLIN, 0}, {endSignals.descriptor(), POLLIN, 0}};
     OSStatus status = errAuthorizationInternal;
-    if (process > 0) {
-        // No limit: the user is typing a password.
-        while (poll(sources, 2, -1) < 0 && errno == EINTR) { }
-        status = sources[1].revents ? errAuthorizationCanceled : awaitReady(errorEnd.get(), prompt);
-    }
+    if (process > 0)
+        status = awaitReady(endSignals, messages, prompt);
     if (status != errAuthorizationSuccess)
         stop();
     return status;
 }
 
-OSStatus HelperProcess::awaitReady(int errorEnd, const std::string &prompt)
+OSStatus HelperProcess::awaitReady(
+    const EndSignals &endSignals, const Descriptor &messages, const std::string &prompt)
 {
+    // No limit: the user is typing a password.
+    while (!endSignals.haveCome() && !isReadable(socket.get(), signalsLimit)) { }
+    if (endSignals.haveCome())
+        return errAuthorizationCanceled;
     HelperReply reply;
     Descriptor none;
     if (receive(reply, none))
         return reply.status;
-    return statusOfFailedStart(errorEnd, prompt);
+    return statusOfFailedStart(messages, prompt);
 }
 
 /// pkexec has exited: its status tells a dismissed dialog from a refusal, its message that no agent was there
 /// to ask.
-OSStatus HelperProcess::statusOfFailedStart(int errorEnd, const std::string &prompt)
+OSStatus HelperProcess::statusOfFailedStart(const Descriptor &messages, const std::string &prompt)
 {
     constexpr int dismissed = 126;
     constexpr int notAuthorized = 127;
@@ -122,8 +120,7 @@ OSStatus HelperProcess::statusOfFailedStart(int errorEnd, const std::string &pro
     process = -1;
 
     char said[4096] = "";
-    fcntl(errorEnd, F_SETFL, O_NONBLOCK);
-    if (read(errorEnd, said, sizeof said - 1) > 0)
+    if (pread(messages.get(), said, sizeof said - 1, 0) > 0)
         std::fputs(said, stderr);
     if (std::strstr(said, "No authentication agent found")) {
         say(prompt + " No authentication agent is running that could ask for an administrator's password.");

@@ -5,6 +5,8 @@
 
 #include <string>
 
+class EndSignals;
+
 /// The helper that runs tools as root, from its start to its end with this object. Its user is authenticated
 /// when it starts, unless this process is root already.
 class HelperProcess {
@@ -27,8 +29,8 @@ public:
     OSStatus runTool(const char *tool, char *const *arguments, Descriptor &connection);
 
 private:
-    OSStatus awaitReady(int errorEnd, const std::string &prompt);
-    OSStatus statusOfFailedStart(int errorEnd, const std::string &prompt);
+    OSStatus awaitReady(const EndSignals &endSignals, const Descriptor &messages, const std::string &prompt);
+    OSStatus statusOfFailedStart(const Descriptor &messages, const std::string &prompt);
     bool receive(HelperReply &reply, Descriptor &connection);
 
     Descriptor socket;
