@@ -190,6 +190,14 @@ private slots:
         QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
     }
 
+    void toolFailsOnAMissingFolderByItself()
+    {
+        for (const QByteArray &missing : {folder, folder + "/Lumetra"})
+            QCOMPARE(run("/bin/chmod", {"0775", missing}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder + "/Lumetra"}), OSStatus(errAuthorizationSuccess));
+        QVERIFY(!QFileInfo::exists(folder) && !QFileInfo::exists("/Lumetra"));
+    }
+
     void eightFoldersAreMadeAtTheMost()
     {
         const Mount nothingMade("/bin/true", "/bin/mkdir"); // as when each is renamed at once

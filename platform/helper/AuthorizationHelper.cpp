@@ -72,14 +72,17 @@ std::string bindToFolder(
     std::string refusal = pathRefusal(path);
     if (!refusal.empty())
         return refusal;
-    command.folder = folders.open(path, rule.folders, user, refusal);
+    Descriptor folder = folders.open(path, rule.folders, user, refusal);
+    command.words.back() = rule.folders & New ? path.substr(path.rfind('/') + 1) : ".";
     if (rule.folders & New) {
         // The mode goes into the umask, because mkdir -m would look the new name up a second time.
         command.mask = command.words[2] == "775" ? 002 : 022;
-        command.words = {command.words[0], path.substr(path.rfind('/') + 1)};
-    } else {
-        command.words.back() = ".";
+        command.words.erase(command.words.begin() + 1, command.words.end() - 1);
     }
+    if (folder)
+        command.folder = std::move(folder);
+    else
+        command.words.back().clear(); // there is no such folder, and no file has this name: the tool says so
     return refusal;
 }
 

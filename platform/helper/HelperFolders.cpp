@@ -62,7 +62,7 @@ Descriptor walk(std::string path, std::string &refusal)
                 folder = root();
             continue;
         }
-        if (!next)
+        if (!next && failure != ENOENT)
             refusal = name + ", on the way to it: " + std::strerror(failure);
         folder = std::move(next);
     }
@@ -92,7 +92,7 @@ Descriptor HelperFolders::open(
     }
     Descriptor folder(openat(parent.get(), path.c_str() + slash + 1, openedFolder));
     if (!folder) {
-        refusal = std::strerror(errno);
+        refusal = errno == ENOENT ? "" : std::strerror(errno);
         return folder;
     }
     const bool isAllowed = (kinds & Made && isMade(folder)) || (kinds & Shared && isShared(path))

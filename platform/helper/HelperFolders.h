@@ -10,8 +10,8 @@
 class HelperFolders {
 public:
     /// Opens the folder itself, which must be one of the kinds, or for New the one to make it in. No link in
-    /// its own place is followed, and on the way to it only one that nobody but root can have made. What
-    /// comes with a reason is refused.
+    /// its own place is followed, and on the way to it only one that nobody but root can have made. Empty
+    /// when there is no folder. What comes with a refusal must not be used.
     Descriptor open(const std::string &path, unsigned kinds, uid_t caller, std::string &refusal) const;
 
     /// Remembers the folder that mkdir just made in `parent`, and counts it. One that isn't empty, or whose
