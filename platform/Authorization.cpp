@@ -21,11 +21,6 @@ std::string promptOf(const AuthorizationEnvironment *environment)
     return {};
 }
 
-bool isAdministratorRight(const AuthorizationRights *rights)
-{
-    return rights && rights->count == 1 && std::strcmp(rights->items[0].name, "system.privilege.admin") == 0;
-}
-
 } // namespace
 
 OSStatus AuthorizationCreate(const AuthorizationRights *, const AuthorizationEnvironment *environment,
@@ -45,17 +40,13 @@ OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags)
     return errAuthorizationSuccess;
 }
 
-OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const AuthorizationRights *rights,
-    const AuthorizationEnvironment *, AuthorizationFlags flags, AuthorizationRights **)
+OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const AuthorizationRights *,
+    const AuthorizationEnvironment *, AuthorizationFlags, AuthorizationRights **)
 {
     if (!authorization)
         return errAuthorizationInvalidRef;
-    if (!isAdministratorRight(rights))
-        return errAuthorizationDenied;
     if (authorization->helper.isRunning())
         return errAuthorizationSuccess;
-    if (!(flags & kAuthorizationFlagInteractionAllowed))
-        return errAuthorizationInteractionNotAllowed;
     return authorization->helper.start(authorization->prompt);
 }
 

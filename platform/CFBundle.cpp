@@ -1,17 +1,10 @@
 #include "CFString.h"
 
-#include <QByteArray>
-
 #include <climits>
 #include <libproc.h>
 #include <unistd.h>
 
-struct __CFBundle : CFObject {
-    __CFBundle()
-        : CFObject(Bundle, Constant)
-    {
-    }
-};
+struct __CFBundle { };
 
 struct __CFURL : CFObject {
     explicit __CFURL(const QString &filePath)
@@ -25,22 +18,12 @@ struct __CFURL : CFObject {
 
 namespace {
 
-QString folderOf(const QString &path)
-{
-    return path.left(path.lastIndexOf(QLatin1Char('/')));
-}
-
-QString runningExecutable()
-{
-    char path[PATH_MAX];
-    const int length = proc_pidpath(getpid(), path, sizeof path);
-    return QString::fromUtf8(path, length);
-}
-
 /// "…/X.app" of "…/X.app/Contents/MacOS/executable"; for a bare executable its folder.
 QString bundlePath()
 {
-    const QString folder = folderOf(runningExecutable());
+    char path[PATH_MAX];
+    const QString executable = QString::fromUtf8(path, proc_pidpath(getpid(), path, sizeof path));
+    const QString folder = executable.left(executable.lastIndexOf(QLatin1Char('/')));
     const QString inBundle = QStringLiteral("/Contents/MacOS");
     if (folder.endsWith(QLatin1String(".app") + inBundle))
         return folder.chopped(inBundle.size());

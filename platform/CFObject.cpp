@@ -4,9 +4,7 @@ const CFAllocatorRef kCFAllocatorDefault = nullptr;
 
 void CFRelease(CFTypeRef object)
 {
-    const auto *released = static_cast<const CFObject *>(object);
-    if (released->lifetime == CFObject::Owned)
-        delete released;
+    delete static_cast<const CFObject *>(object);
 }
 
 CFTypeID CFGetTypeID(CFTypeRef object)

@@ -47,7 +47,7 @@ CFStringRef __CFStringMakeConstantString(const char *text)
     // Never destroyed: constants are in use until the process's last destructor has run.
     static auto &constants = *new std::map<std::string, __CFString>;
     const std::lock_guard lock(mutex);
-    return &constants.try_emplace(text, QString::fromUtf8(text), CFObject::Constant).first->second;
+    return &constants.try_emplace(text, QString::fromUtf8(text)).first->second;
 }
 
 CFTypeID CFStringGetTypeID(void)

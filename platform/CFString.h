@@ -5,8 +5,8 @@
 #include <QString>
 
 struct __CFString : CFObject {
-    explicit __CFString(const QString &text, Lifetime stringLifetime = Owned)
-        : CFObject(String, stringLifetime)
+    explicit __CFString(const QString &text)
+        : CFObject(String)
         , characters(text)
     {
     }

@@ -32,11 +32,11 @@ typedef enum {
 
 extern const CFAllocatorRef kCFAllocatorDefault;
 
-/// Releases an object that a Create or Copy function gave; null crashes. A constant string stays.
+/// Releases an object that a Create or Copy function gave; anything else, null too, crashes.
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 
-/// The string constant of a literal; the same for the same text, and never freed.
+/// The string constant of a literal; the same for the same text, and never to be released.
 #define CFSTR(literal) __CFStringMakeConstantString("" literal "")
 CFStringRef __CFStringMakeConstantString(const char *text);
 

@@ -57,11 +57,11 @@ OSStatus AuthorizationCreate(const AuthorizationRights *rights, const Authorizat
 /// Ends the rights that the reference holds and the reference itself, whatever the flags.
 OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags flags);
 
-/// Obtains the right "system.privilege.admin", the only one there is: one authentication, unless the process
-/// is root. errAuthorizationCanceled: the dialog was dismissed, or the process was told to end meanwhile.
-/// errAuthorizationDenied: wrong password or no administrator. errAuthorizationInteractionNotAllowed: nothing
-/// here can ask. errAuthorizationInternal: the means are missing. The last two and their cause go to standard
-/// error.
+/// Obtains the right "system.privilege.admin", the only one there is, whatever the rights and flags: one
+/// authentication, unless the process is root. errAuthorizationCanceled: the dialog was dismissed, or the
+/// process was told to end meanwhile. errAuthorizationDenied: wrong password or no administrator.
+/// errAuthorizationInteractionNotAllowed: nothing here can ask. errAuthorizationInternal: the means are
+/// missing. The last two and their cause go to standard error.
 OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const AuthorizationRights *rights,
     const AuthorizationEnvironment *environment, AuthorizationFlags flags,
     AuthorizationRights **authorizedRights);
