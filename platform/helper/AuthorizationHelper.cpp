@@ -41,11 +41,8 @@ std::string printable(std::string line)
 {
     constexpr size_t longest = PATH_MAX + 512;
     line = line.substr(0, longest);
-    for (char &character : line) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < ' ' || byte > '~')
-            character = '?';
-    }
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char byte) { return byte < ' ' || byte > '~'; }, '?');
     return line;
 }
 
@@ -111,7 +108,7 @@ std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFo
         return tool.refusal;
     peer.answer({}, tool.connection);
     tool.connection.reset();
-    if (peer.waitForTool(tool.process) == 0 && rule->folders & New)
+    if (peer.waitForTool(tool.process) && rule->folders & New)
         folders.remember(command.folder, command.words[1]);
     return {};
 }

@@ -10,19 +10,13 @@
 
 namespace {
 
-bool isFrom(pid_t process, const msghdr &message)
-{
-    const cmsghdr *header = CMSG_FIRSTHDR(&message);
-    if (!header || header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_CREDENTIALS)
-        return false;
-    ucred sender{};
-    std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
-    return sender.pid == process;
-}
-
 const char *refusalOf(const msghdr &message, pid_t process)
 {
-    if (!isFrom(process, message))
+    const cmsghdr *header = CMSG_FIRSTHDR(&message);
+    ucred sender{};
+    if (header && header->cmsg_level == SOL_SOCKET && header->cmsg_type == SCM_CREDENTIALS)
+        std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
+    if (sender.pid != process)
         return "the request is another process's";
     if (message.msg_flags & MSG_CTRUNC)
         return "the request comes with a descriptor";
@@ -101,13 +95,10 @@ void HelperPeer::answer(const std::string &refusal, const Descriptor &connection
     sendmsg(socket, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-std::optional<int> HelperPeer::waitForTool(pid_t tool) const
+bool HelperPeer::waitForTool(pid_t tool) const
 {
-    const Descriptor end = endOf(tool);
     int status = 0;
-    if (!comesBeforeEnd(end.get()) || waitpid(tool, &status, 0) != tool)
-        return std::nullopt;
-    return status;
+    return comesBeforeEnd(endOf(tool).get()) && waitpid(tool, &status, 0) == tool && status == 0;
 }
 
 /// Whether the descriptor becomes readable before the peer closes its end or dies.

@@ -2,7 +2,6 @@
 
 #include "platform/Descriptor.h"
 
-#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -30,9 +29,9 @@ public:
     /// Answers a request: with the connection to the tool that was started, or with why none was.
     void answer(const std::string &refusal, const Descriptor &connection) const;
 
-    /// Waits for the end of a tool; its status as waitpid gives it. No value when the process has died or
-    /// closed its end before.
-    std::optional<int> waitForTool(pid_t tool) const;
+    /// Waits for the end of a tool. Whether it succeeded; false, too, when the process has died or closed its
+    /// end before.
+    bool waitForTool(pid_t tool) const;
 
 private:
     bool comesBeforeEnd(int descriptor) const;
