@@ -4,13 +4,12 @@ import os
 import plistlib
 import pwd
 import stat
-import sys
 from dataclasses import dataclass
 from pathlib import Path
 from typing import Callable, Optional
 
 from sandbox import database
-from sandbox.user import Unexpected, User
+from sandbox.user import Unexpected
 from sandbox.world import DATABASE, HOME, PREFERENCE, USB_DISK
 
 WELCOME = "Welcome to the Corvane Lumetra Database Installer"
@@ -57,16 +56,6 @@ class Walk:
     on_usb_disk: bool = False
     library_size: Optional[int] = None
     log: bool = False
-
-
-def go(steps, pictures=None):
-    """Starts the program, has the user take the steps, and says what the program wrote to standard error."""
-    user = User(pictures)
-    try:
-        steps(user)
-    finally:
-        print(user.errors(), end="", file=sys.stderr, flush=True)
-        user.close()
 
 
 def expect(actual, wanted):
