@@ -17,7 +17,7 @@ PROGRAM = f"{BUNDLE_FOLDER}/{BUNDLE_NAME}/Contents/MacOS/Lumetra Database Instal
 BOX_TITLE = "Lumetra Database Installer Install"
 LIMIT = 60
 # Runs the command that follows on a virtual display, with a session bus.
-ON_DISPLAY = ("xvfb-run", "-a", "-s", "-screen 0 1024x768x24 -noreset", "dbus-run-session", "--")
+ON_DISPLAY = ("xvfb-run", "-a", "-s", "-screen 0 1024x768x24 -dpi 96 -noreset", "dbus-run-session", "--")
 
 
 class Unexpected(Exception):
