@@ -290,7 +290,7 @@ private slots:
         giveUpRight();
         // Is ready, answers with less than a reply, and stays.
         const QByteArray hanging =
-            "trap '' TERM; head -c 512 /dev/zero >&0; head -c 1 <&0; echo >&0; exec sleep 900";
+            "trap '' TERM; head -c 512 /dev/zero >&0; head -c 1 <&0; echo >&0; exec sleep 30";
         const Mount helper(program(hanging), QString::fromStdString(helperPath()));
         obtainRight(authorization);
         QCOMPARE(run("/bin/mkdir", {}), OSStatus(errAuthorizationInternal));
