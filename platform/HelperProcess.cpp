@@ -116,6 +116,10 @@ OSStatus HelperProcess::statusOfFailedStart(const Descriptor &messages, const st
     constexpr int dismissed = 126;
     constexpr int notAuthorized = 127;
     int ending = 0;
+    if (!isReadable(endOf(process).get(), endLimit)) {
+        say("The helper for administrator rights gives no answer.");
+        return errAuthorizationInternal;
+    }
     while (waitpid(process, &ending, 0) < 0 && errno == EINTR) { }
     process = -1;
 
@@ -136,6 +140,8 @@ OSStatus HelperProcess::statusOfFailedStart(const Descriptor &messages, const st
 
 void HelperProcess::stop()
 {
+    // A child of this process may still hold the socket.
+    shutdown(socket.get(), SHUT_RDWR);
     socket.reset();
     if (process > 0) {
         // Reaches pkexec while it asks; the helper itself ends with the socket.

@@ -9,6 +9,7 @@
 #include <Security/Authorization.h>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -220,6 +221,10 @@ private slots:
         const mode_t mask = umask(0);
         qputenv("LD_PRELOAD_OF_A_STRANGER", "x");
         std::signal(SIGUSR1, SIG_IGN);
+        rlimit core{};
+        getrlimit(RLIMIT_CORE, &core);
+        core.rlim_cur = core.rlim_max;
+        setrlimit(RLIMIT_CORE, &core);
         sigset_t blocked;
         sigemptyset(&blocked);
         sigaddset(&blocked, SIGUSR2);
@@ -235,6 +240,8 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(proc(tool, "environ"),
             QByteArray("PATH=/usr/sbin:/usr/bin:/sbin:/bin|LC_ALL=C|").replace('|', '\0'), patience);
         QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), tree->path());
+        QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(childOf(getpid()))).symLinkTarget(), "/");
+        QVERIFY(proc(tool, "limits").simplified().contains("core file size 0 0"));
         QVERIFY(proc(tool, "status").contains("Umask:\t0022\n"));
         // But the thread library's two, which can't be reset.
         const QRegularExpression signalsAtDefault("SigBlk:\\t0{16}\\nSigIgn:\\t.{8}[08]0{7}\\n");
@@ -314,13 +321,13 @@ private slots:
                 pause();
             pause();
         }
-        QTRY_VERIFY_WITH_TIMEOUT(childOf(childOf(installer)), patience);
+        const bool haveBegun = QTest::qWaitFor([&] { return childOf(childOf(installer)) > 0; }, patience);
         const int helper = childOf(installer), tool = childOf(helper);
         kill(installer, SIGKILL);
         waitpid(installer, nullptr, 0);
         const bool haveEnded = QTest::qWaitFor([&] { return !isAlive(helper) && !isAlive(tool); }, patience);
         kill(-installer, SIGKILL);
-        QVERIFY(haveEnded);
+        QVERIFY(haveBegun && haveEnded);
     }
 };
 

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <grp.h>
+#include <sys/resource.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -32,7 +33,10 @@ bool shedSurroundings()
     sigprocmask(SIG_SETMASK, &none, nullptr);
     // A key typed in the installer's terminal is meant for the installer.
     setsid();
-    return close_range(STDERR_FILENO + 1, ~0U, 0) == 0;
+    // A core file would be root's, in a folder of the caller's choice.
+    const rlimit noCore{0, 0};
+    return setrlimit(RLIMIT_CORE, &noCore) == 0 && chdir("/") == 0
+        && close_range(STDERR_FILENO + 1, ~0U, 0) == 0;
 }
 
 /// A line for the journal, whatever bytes it is made from. Longer than the longest path by what else there is

@@ -30,7 +30,11 @@ bool HelperPeer::identify(const char *askingUser)
     ucred credentials{};
     socklen_t size = sizeof credentials;
     const int on = 1;
-    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
+    int type = 0;
+    socklen_t typeSize = sizeof type;
+    // Other sockets join packets, or don't tell that the peer has closed its end.
+    if (getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &typeSize) != 0 || type != SOCK_SEQPACKET
+        || getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0
         || setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0)
         return false;
     process = credentials.pid;
