@@ -1,4 +1,4 @@
-"""Opens the installer in the world build/world: session.py BUNDLE [SOURCE]; scripts/run says the rest."""
+"""Opens the installer in the world build/world: session.py BUNDLE PICTURES [SOURCE]; scripts/run says the rest."""
 
 import os
 import plistlib
@@ -14,7 +14,7 @@ from sandbox.world import DATABASE, PREFERENCE, World
 
 SAMPLE_SIZE = 120_000_000
 SCRIPT = "/opt/scripts/sandbox/session.py"
-PICTURES = "/opt/pictures"
+PICTURES_INSIDE = "/opt/pictures"
 WHOLE_DAY = 24 * 3600
 
 
@@ -38,7 +38,7 @@ def show_end(world, wanted):
     print(f"The database is installed: {len(found)} files, {sum(size for _, size in found)} bytes.")
 
 
-def open_session(bundle, source=None):
+def open_session(bundle, pictures, source=None):
     world = World("build/world", bundle)
     print("Laying the world in build/world")
     world.lay()
@@ -53,12 +53,12 @@ def open_session(bundle, source=None):
         print("The installer is open on your display; the result follows when it is closed.")
         status = subprocess.call(world.command(PROGRAM, display=True))
     else:
-        pictures = Path("build/pictures").resolve()
+        pictures = Path(pictures).resolve()
         pictures.mkdir(exist_ok=True)
         for old in pictures.glob("*.png"):
             old.unlink()
-        status = subprocess.call(world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT, writable={pictures: PICTURES}))
-        print("Pictures of the pages are in build/pictures.")
+        status = subprocess.call(world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT, writable={pictures: PICTURES_INSIDE}))
+        print(f"Pictures of the pages are in {pictures}.")
     if status:
         raise Unexpected(f"the installer ended with status {status}")
     show_end(world, wanted)
@@ -100,6 +100,6 @@ def walk(user):
 if __name__ == "__main__":
     sys.stdout.reconfigure(line_buffering=True)
     try:
-        sys.exit(open_session(*sys.argv[1:]) if len(sys.argv) > 1 else go(walk, PICTURES))
+        sys.exit(open_session(*sys.argv[1:]) if len(sys.argv) > 1 else go(walk, PICTURES_INSIDE))
     except Unexpected as fault:
         sys.exit(f"run: {fault}")
