@@ -9,6 +9,9 @@ import subprocess
 import sys
 import time
 
+import gi
+
+gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
 
 from .world import BUNDLE_FOLDER, BUNDLE_NAME
