@@ -58,7 +58,7 @@ QColor textOver(const QColor &colour)
     const auto linear = [](qreal part) { return std::pow(part, 2.2); };
     const qreal luminance =
         0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
-    return luminance > 0.18 ? Qt::black : Qt::white;
+    return luminance > 0.18 ? Qt::black : Qt::white; // 0.18: equal contrast with both
 }
 
 /// Makes the bar's text legible: many themes pick a text colour too close to the bar's.
@@ -88,6 +88,7 @@ ConclusionPage::ConclusionPage(QWidget *parent)
 
 ConclusionPage::~ConclusionPage()
 {
+    // Once the page is complete, the worker has ended or been given up.
     if (copyThread)
         endWorker(copyThread, complete ? 1000 : stopLimit);
 }
@@ -154,7 +155,7 @@ void ConclusionPage::giveUpWorker()
 
 void ConclusionPage::doCopy()
 {
-    // Closing the window within the second before this is a way out.
+    // The window may have been closed in the second before this.
     const bool wasClosed = window()->testAttribute(Qt::WA_WState_ExplicitShowHide) && window()->isHidden();
     if (stage != Waiting || isHidden() || wasClosed)
         return;
@@ -197,7 +198,7 @@ bool ConclusionPage::prepareDestination()
 /// Asks for administrator rights only if they would help.
 bool ConclusionPage::makePickedFolder(const std::string &folder)
 {
-    umask(022); // as for the files: all users are to read them
+    umask(022); // as for the files: all users must be able to read them
     if (limited::mkdir(folder, 0755) == 0 || errno == EEXIST)
         return true;
     if (errno != EACCES && errno != EPERM)

@@ -24,9 +24,9 @@ public:
     bool isComplete() const override;
     int nextId() const override;
 
-    /// Asks a running installation to stop; the page then shows the outcome, even if the worker doesn't
-    /// answer. Returns false if none is running: either it hasn't begun, and won't once the page is hidden,
-    /// or its outcome is shown. From here on no prompt is shown.
+    /// Asks a running installation to stop and shows no more prompts; the page then shows the outcome, even
+    /// if the worker doesn't answer. Returns false if there is nothing to stop: the installation hasn't
+    /// begun, and won't once the page is hidden, or it has ended.
     bool stopInstallation();
 
 protected:
@@ -54,6 +54,6 @@ private:
     QProgressBar *progressBar;
     CopyThread *copyThread = nullptr;
     std::unique_ptr<KeepAwake> keepAwake;
-    /// `complete` tells whether the outcome is shown.
+    /// Running also while the outcome is recorded, when `complete` is true already.
     enum { Waiting, Running, Stopped, Done } stage = Waiting;
 };

@@ -76,7 +76,7 @@ void CopyThread::unpriviledgedCopy()
         removeUnfinishedMark(path);
 }
 
-/// Runs the tool for one file. Returns false if it failed, which is then reported, or was interrupted.
+/// Runs the tool for one file. Returns false if it failed, which it reports, or was interrupted.
 bool CopyThread::copyFile(QProcess &tool, const QString &program, const QString &file)
 {
     const PartWrittenFile destination(file, path);

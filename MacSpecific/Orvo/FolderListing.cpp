@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Whether everything after the name's first point is a data file's suffix.
+/// Whether everything after the name's first dot is a data file's suffix.
 bool isDataFileName(const char *name)
 {
     const char *point = std::strchr(name, '.');
@@ -35,8 +35,8 @@ bool mayNotBeRead(int error)
     return error == EACCES || error == EPERM;
 }
 
-/// The entry's type, from the file system if the listing doesn't tell. Returns -1 and sets errno if it can't
-/// be had.
+/// The entry's type, from the file system if the listing doesn't say: DT_UNKNOWN if it is gone or may not be
+/// examined, -1 with errno set if the file system fails.
 int typeOf(int folder, const struct dirent &entry)
 {
     if (entry.d_type != DT_UNKNOWN)
@@ -47,8 +47,8 @@ int typeOf(int folder, const struct dirent &entry)
     return S_ISDIR(status.st_mode) ? DT_DIR : S_ISREG(status.st_mode) ? DT_REG : DT_UNKNOWN;
 }
 
-/// Whether the folder of this name can't be reached by the name that Qt makes of it: one that isn't in the
-/// encoding of file names, for instance.
+/// Whether the name, decoded and encoded again by Qt, no longer leads to the folder, for instance because
+/// it isn't in the encoding of file names.
 bool isUnreachable(int folder, const char *name)
 {
     const QByteArray again = QFile::encodeName(QFile::decodeName(name));
@@ -104,8 +104,8 @@ void sortByName(std::vector<FolderEntry> &entries, const QString &prefix)
 
 } // namespace
 
-// QDir calls stat for every entry, and again for every size: a scan of 200,000 files would take almost twice
-// as long.
+// Not with QDir, which calls stat for every entry and again for every size: a scan of 200,000 files would
+// take almost twice as long.
 FolderListing listFolder(const QString &prefix, const std::function<bool()> &interrupted)
 {
     FolderListing listing;

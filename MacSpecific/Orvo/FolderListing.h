@@ -14,12 +14,12 @@ struct FolderEntry {
 
 struct FolderListing {
     std::vector<FolderEntry> entries;
-    /// Why the folder couldn't be listed to its end, as errno says; 0 when it could.
+    /// The errno that ended the listing early, EILSEQ for a subfolder whose name can't be decoded; 0 if none.
     int error = 0;
 };
 
 /// Lists the subfolders and data files in the folder `prefix`, which ends in a slash, ordered by their names
-/// in lower case, code unit by code unit. Symbolic links, special files and all other files are left out; a
-/// folder that may not be read, or whose path is too long, counts as empty. `interrupted` is asked between
-/// entries; once it says true the listing ends as it stands. Any thread.
+/// in lower case, code unit by code unit. Leaves out symbolic links and all other files; a folder that may
+/// not be read, or whose path is too long, counts as empty. Asks `interrupted` between entries; once it
+/// returns true, returns the entries so far, unordered and without an error. Any thread.
 FolderListing listFolder(const QString &prefix, const std::function<bool()> &interrupted);

@@ -57,14 +57,14 @@ Orvo_Installer::Orvo_Installer(QWidget *parent)
     gAdminGid = getGroupId("admin");
 
     setPixmap(QWizard::BackgroundPixmap, QPixmap(QStringLiteral(":/images/Orvo_DVD_Artwork.png")));
-    // The style that shows the artwork and names its buttons as the pages' texts do. macOS picks it anyway.
+    // Shows the artwork and names the buttons as the pages' texts do. On macOS it is the default.
     setWizardStyle(QWizard::MacStyle);
     setOption(QWizard::NoCancelButton, false);
-    // On macOS QWizard starts with this option, and Return would press no button.
+    // On macOS QWizard sets this option, and Return would press no button.
     setOption(QWizard::NoDefaultButton, false);
     setOption(QWizard::DisabledBackButtonOnLastPage);
     fitToFont();
-    // Folder names and tools' messages in these texts are not markup.
+    // The texts contain folder names and tools' messages, which may look like markup.
     setTitleFormat(Qt::PlainText);
     setSubTitleFormat(Qt::PlainText);
 

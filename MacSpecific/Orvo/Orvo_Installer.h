@@ -9,15 +9,15 @@ class Orvo_Installer : public QWizard {
     Q_OBJECT
 
 public:
-    /// Opens the log when it is asked for, looks up the group "admin" and builds the pages, of which the
+    /// Opens the log if a preference asks for one, looks up the group "admin" and builds the pages; the
     /// source page starts to measure the database at once.
     explicit Orvo_Installer(QWidget *parent = nullptr);
 
     /// Sets the window title to `title` in UTF-8, or to the default title when it is empty.
     void SetWindowTitle(const std::string &title);
 
-    /// Cancel, Escape and the window's close button. Closes the window, unless an installation is running:
-    /// then it stops that, and the window stays open to show the outcome.
+    /// Cancel, Escape and the window's close button. Closes the window, or stops a running installation,
+    /// whose outcome the window then shows.
     void reject() override;
 
 protected:
@@ -26,7 +26,7 @@ protected:
     /// Draws the artwork where the style would, but in the window's colour, and smoothly: on a scaled screen
     /// the style draws blocks.
     void paintEvent(QPaintEvent *event) override;
-    /// Keeps a double click and a held key from going on to the page after the next one.
+    /// Keeps a double click or a held key from turning two pages.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:

@@ -13,10 +13,10 @@ namespace {
 
 constexpr int mostLines = 4;
 constexpr int narrowestColumn = 300;
-/// Characters of a text that are laid out: two paths of the greatest length and what a tool says of them.
-/// Finding line breaks is slow.
+/// Characters of a text to lay out, since finding line breaks is slow: two paths of the greatest length and
+/// what a tool says of them.
 constexpr int longestShown = 2 * 4096 + 512;
-/// Characters that a screen reader gets: more than any tool has to say, and far less than would block the
+/// Characters for a screen reader: more than any tool has to say, and far less than would block the
 /// accessibility bus.
 constexpr int longestSpoken = 65536;
 
@@ -81,8 +81,7 @@ QString fitted(QWizardPage *page, const QString &text, const QString &name)
     return takesName ? text.arg(shown) : text;
 }
 
-/// QWizard's own label beside the widget, for the title or the subtitle, which it makes when it first needs
-/// it.
+/// QWizard's own label beside the widget, with the title or the subtitle; null until QWizard needs one.
 QLabel *labelBeside(const QWidget *widget)
 {
     return widget->parentWidget()->findChild<QLabel *>(QString(), Qt::FindDirectChildrenOnly);

@@ -9,17 +9,17 @@ class QWizardPage;
 /// with some room for others.
 constexpr int besidePageText = 250;
 
-/// Shows `text` as the page's subtitle, with `name`, which may be a path or a message, for its %1. Words and
-/// folder names wider than the page, and whatever exceeds four lines, are shortened in the middle; the tool
-/// tip then has the whole name. Assistive technology gets the whole text. The page takes the focus so that it
-/// is spoken; from there Tab goes through the page from the top, and Return presses the default button. A
-/// page that isn't current does all that once it is.
+/// Shows `text` as the page's subtitle, with `name`, which may be a path or a message, for its %1. Shortens
+/// words and folder names wider than the page, and whatever exceeds four lines, in the middle; the tool tip
+/// then has the whole name. Assistive technology gets the whole text. The page takes the focus so that screen
+/// readers speak it; from there Tab goes through the page from the top, and Return presses the default
+/// button. A page that isn't current does all that once it is.
 void showSubTitle(QWizardPage *page, const QString &text, const QString &name = QString());
 
 /// The same in a label of the page's own.
 void showInLabel(QWizardPage *page, QLabel *label, const QString &text, const QString &name = QString());
 
-/// Has the page's title and text spoken, if it is the wizard's current page.
+/// Makes screen readers speak the page's title and text, if it is the wizard's current page.
 void announce(QWizardPage *page);
 
 /// Lets the user select and copy the label's text.

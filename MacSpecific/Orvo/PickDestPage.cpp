@@ -40,13 +40,13 @@ bool exists(const QString &path)
     return limited::access(path.toStdString(), F_OK) == 0;
 }
 
-/// Whether an installation into the folder was begun, and this user can go on with it.
+/// Whether the folder holds an unfinished installation that this user can go on with.
 bool canBeFinished(const QString &folder)
 {
     return exists(unfinishedMark(folder)) && limited::access(folder.toStdString(), W_OK) == 0;
 }
 
-/// The folder whose file system the destination will lie on, and which exists before it.
+/// A folder that exists already, on the file system that the destination will be on.
 QString probeFolderOf(const QString &path)
 {
     if (path.startsWith(QLatin1String(systemFolder)))
@@ -55,8 +55,8 @@ QString probeFolderOf(const QString &path)
     return slash == 0 ? path : path.left(slash);
 }
 
-/// Whether the first data file and the folder lie on the same mounted device. A device that can't be named is
-/// the same as none.
+/// Whether the first data file and the folder are on the same mounted device. One whose name can't be found
+/// counts as another.
 bool onSourceDevice(const QString &folder)
 {
     if (sResultList.isEmpty())
@@ -68,8 +68,8 @@ bool onSourceDevice(const QString &folder)
         && std::strncmp(source, destination, MountedDeviceNameSize) == 0;
 }
 
-/// The bytes that `size` exceeds the available megabytes by; negative when they fit. The megabytes of 2^20
-/// bytes are counted as decimal ones, which leaves a little room.
+/// The bytes by which `size` exceeds the available megabytes; negative when it fits. Counts the megabytes of
+/// 2^20 bytes as decimal ones, which leaves a little room.
 qint64 shortfall(quint64 size, qint64 availableMegabytes)
 {
     constexpr qint64 limit = std::numeric_limits<qint64>::max() / megabyte;
@@ -140,7 +140,7 @@ int PickDestPage::nextId() const
 
 void PickDestPage::chooseDestination()
 {
-    // The button's click comes with a delay, after which the page may be another.
+    // A screen reader's click comes with a delay: by now the page may be another.
     if (wizard()->currentPage() != this || choiceIsOpen())
         return;
     const QString folder =
@@ -158,7 +158,7 @@ void PickDestPage::chooseDestination()
         next->setDefault(true);
 }
 
-/// A screen reader reaches the page's and the wizard's buttons also beneath the dialog.
+/// A screen reader can press the page's and the wizard's buttons beneath the dialog.
 bool PickDestPage::choiceIsOpen() const
 {
     return findChild<QFileDialog *>();

@@ -6,8 +6,8 @@
 class QPushButton;
 
 /// Proposes the destination folder and lets the user pick another parent for it. On Next it decides between
-/// moving and copying, which it leaves in sCopyFiles, and refuses a copy that doesn't fit. The destination is
-/// the wizard's field "path".
+/// moving and copying, sets sCopyFiles, and refuses a copy that doesn't fit. The destination is the wizard's
+/// field "path".
 class PickDestPage : public QWizardPage {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ public:
 
     void setVisible(bool visible) override;
     void initializePage() override;
-    /// Blocks for as long as `df` runs when the files are to be copied, at most 50 seconds.
+    /// Blocks while it looks at both disks and, for a copy, while `df` runs: a minute at most.
     bool validatePage() override;
     int nextId() const override;
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The folder at which a scan began. A disk that is gone looks like folders that someone has just removed.
+/// The folder in which a scan began. Missing subfolders mean a lost disk only if it is gone, too.
 struct Root {
     explicit Root(const QString &folder)
         : path(folder)
@@ -37,7 +37,7 @@ private:
     const bool exists;
 };
 
-/// A folder on the way down from the root of the scan, and how far its entries are done.
+/// A folder on the way down from the root of the scan, and how many of its entries are done.
 struct OpenFolder {
     std::vector<FolderEntry> entries;
     size_t next = 0;

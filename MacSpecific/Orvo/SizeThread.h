@@ -15,11 +15,12 @@ public:
 
     /// Scans the folder `path` in depth and appends its data files to `list`, every folder's entries in the
     /// order of their names in lower case. Returns the files' total size in bytes; folders that may not be
-    /// read, or vanish meanwhile, count 0. When the disk fails or is gone, 0 with the list as it was.
+    /// read, or vanish meanwhile, count 0. When the disk fails or is gone, returns 0 with the list as it was;
+    /// after an interruption, what it has found so far.
     quint64 dirSize(const QString &path, QList<QFileInfo> &list);
 
 signals:
-    /// The scan's only and last act, with the folder and the total in bytes.
+    /// The scan's last act: the folder and its total in bytes.
     void pathSize(QString path, quint64 totalSize);
 
 protected:

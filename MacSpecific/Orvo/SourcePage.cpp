@@ -20,8 +20,8 @@
 
 namespace {
 
-/// How long an interrupted scan may take to notice, in milliseconds. It does between two entries, so that
-/// only a disk that no longer answers holds it up.
+/// Milliseconds that an interrupted scan may take to end. It looks between two entries, so only a disk that
+/// no longer answers holds it up.
 constexpr int scanLimit = 5000;
 
 QString gigabytes(quint64 bytes)
@@ -91,7 +91,7 @@ void SourcePage::updateDBSize(QString, quint64 finishedSize)
 void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
 {
     const QDir folder(path);
-    // The root has no name, and a gap in the text says nothing.
+    // The root has no name, which would leave a gap in the text.
     const QString name = folder.isRoot() ? folder.path() : folder.dirName();
     if (finishedSize > 0) {
         showStatus(
@@ -111,8 +111,8 @@ void SourcePage::customDBSourceLocation(QString path, quint64 finishedSize)
 
 void SourcePage::chooseSource()
 {
-    // A screen reader presses the button also beneath its dialog, and with a delay, after which it may be
-    // disabled or hidden.
+    // A screen reader can press the button beneath its dialog, and its click comes with a delay: by now the
+    // button may be disabled or hidden.
     if (sizeThread || !sourceMissing || findChild<QFileDialog *>())
         return;
     const QString folder = QFileDialog::getExistingDirectory(this,
@@ -125,7 +125,7 @@ void SourcePage::chooseSource()
 void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
 {
     findButton->setEnabled(false);
-    // While a default location is measured the page shows nothing else.
+    // Nothing else on the page shows that a default location is being measured.
     setCursor(Qt::BusyCursor);
     sizeThread = new SizeThread(this, folder);
     connect(sizeThread, &SizeThread::pathSize, this, resultSlot);
@@ -137,7 +137,7 @@ void SourcePage::showStatus(const QString &text, const QString &name)
     showInLabel(this, statusLabel, text, name);
 }
 
-/// Takes the size over and is done with the scanner; without data the choice is open again.
+/// Takes the size and deletes the scanner; without data it offers the choice again.
 void SourcePage::finishScan(quint64 finishedSize)
 {
     dbSize = finishedSize;

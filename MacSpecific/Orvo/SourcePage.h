@@ -6,7 +6,7 @@ class QLabel;
 class QPushButton;
 class SizeThread;
 
-/// Finds the folder that holds the database, has it measured on a worker thread and tells its size; complete
+/// Finds the folder that holds the database, has it measured on a worker thread and shows its size; complete
 /// once a measurement has found data. Scans never overlap, since sResultList has no lock.
 class SourcePage : public QWizardPage {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     bool isComplete() const override;
     int nextId() const override;
 
-    /// The measured size of the database in bytes; 0 before the first result.
+    /// The measured size of the database in bytes; 0 until a scan has found data.
     quint64 dbSize = 0;
 
 private slots:

@@ -2,13 +2,13 @@
 
 #include <QString>
 
-/// A hidden file in a destination whose installation hasn't come to its end, so that it is offered again.
+/// A hidden file in a destination whose installation hasn't finished, so that the folder is offered again.
 
 /// The path of the mark in the folder.
 QString unfinishedMark(const QString &folder);
 
-/// Marks the folder, if it can be written. Any thread; takes as long as the disk.
+/// Marks the folder, if the user can write to it. Any thread; takes as long as the disk.
 void markUnfinished(const QString &folder);
 
-/// Takes the mark away. Any thread; takes as long as the disk.
+/// Removes the mark, if there is one. Any thread; takes as long as the disk.
 void removeUnfinishedMark(const QString &folder);

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Opens what is missing of standard input, output and error. Otherwise the connection to the display would
-/// get its number, and with it what is written to standard error.
+/// Opens whichever of standard input, output and error is closed. Otherwise the connection to the display
+/// would get its number, and then all that is written to standard error.
 void completeStandardStreams()
 {
     int descriptor;
