@@ -25,7 +25,7 @@ void setBanner(const char *tag)
     std::snprintf(sLogBanner, sizeof sLogBanner, "%s", tag);
 }
 
-/// The running executable's file name without blanks and apostrophes, empty when it can't be had.
+/// The running executable's file name without blanks and apostrophes, empty when it can't be found.
 std::string executableTag()
 {
     char path[4096];
@@ -65,7 +65,7 @@ void copyLogLocation(const std::string &key, char *location, CFIndex size)
 /// one is full. Write-only, because opening a FIFO for reading too would make this process its reader.
 FILE *openForAppending(const char *path)
 {
-    // Standard error may be a file, in which its own lines would overwrite the log's.
+    // Standard error may be a file, where the program's messages would overwrite the log's.
     if (std::strcmp(path, "/dev/stderr") == 0)
         fcntl(STDERR_FILENO, F_SETFL, fcntl(STDERR_FILENO, F_GETFL) | O_APPEND);
     const int descriptor = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0666);

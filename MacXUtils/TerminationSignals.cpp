@@ -33,7 +33,7 @@ void setHandler(int number, void (*handler)(int))
     if (previous.sa_handler == SIG_IGN)
         return;
     action.sa_handler = handler;
-    action.sa_flags = SA_RESTART; // a tool's output that is being read isn't at its end
+    action.sa_flags = SA_RESTART; // without it, EINTR would pass for the end of a tool's output
     sigaction(number, &action, nullptr);
 }
 

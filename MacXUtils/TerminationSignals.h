@@ -4,9 +4,9 @@
 
 class QSocketNotifier;
 
-/// Turns SIGTERM, SIGINT and SIGHUP, which end a session, into a signal of the event loop, and ignores
-/// SIGPIPE from then on. One object, made on the main thread after the application object; a signal that the
-/// process was started to ignore stays ignored.
+/// Turns SIGTERM, SIGINT and SIGHUP, which end a session, into the signal requested(), and ignores SIGPIPE.
+/// One object, made on the main thread after the application object; a signal that the process was started to
+/// ignore stays ignored.
 class TerminationSignals : public QObject {
     Q_OBJECT
 
@@ -18,8 +18,8 @@ public:
     static bool received();
 
 signals:
-    /// The process was asked to end. Comes again every tenth of a second until it has ended, so that a window
-    /// that opens meanwhile is seen too.
+    /// The process was asked to end. Repeated every tenth of a second until it does, to reach windows that
+    /// open meanwhile.
     void requested();
 
 private:

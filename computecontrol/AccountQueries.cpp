@@ -15,8 +15,8 @@
 
 namespace {
 
-/// Runs a reentrant lookup with a buffer that grows while it is too small, ten calls at most. True when a
-/// record was found; `use` is called with it while its buffer is alive.
+/// Runs a reentrant lookup with a buffer that doubles while it is too small, ten calls at most. True when it
+/// found a record; calls `use` with it while its buffer is alive.
 template <typename Record, typename LookUp, typename Use> bool lookUp(int sizeName, LookUp call, Use use)
 {
     std::vector<char> buffer(static_cast<size_t>(std::max(sysconf(sizeName), 1024L)));

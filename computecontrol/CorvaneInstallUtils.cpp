@@ -66,14 +66,14 @@ std::string owner(gid_t group)
     return isKnown(group) ? user + ':' + std::to_string(group) : user;
 }
 
-/// Joins a parent and a name to `path`; false when that takes more than 4095 bytes.
+/// Joins parent and name in `path`; false when that takes more than 4095 bytes.
 bool joinPath(const char *parent, const char *name, char (&path)[4096])
 {
     return std::snprintf(path, sizeof path, "%s/%s", parent, name) < static_cast<int>(sizeof path);
 }
 
-/// One thing that fixupDirectory changes: by a call as the user or by a tool as the superuser, with what it
-/// says of it and its codes for the failures.
+/// One thing that fixupDirectory changes, by a call as the user or by a tool as the superuser, with its
+/// reports and its codes for failures.
 struct Repair {
     bool (*change)(const char *path);
     const char *tool;
@@ -275,8 +275,8 @@ bool createPickedDirectory(const char *path)
     if (!runOrLog("/bin/mkdir", {"-m", octal(0755), path},
             "doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
         return false;
-    // mkdir ran as root, but cp and mv run as the user, so a new folder is given to the user. One that
-    // existed keeps its owner, and -h leaves alone what a link leads to that took its place.
+    // mkdir ran as root, but cp and mv run as the user, so the user gets a new folder. One that existed keeps
+    // its owner, and -h spares the target of a link that took its place.
     return exists
         || runOrLog("/usr/sbin/chown", {"-h", owner(gAdminGid), path},
             "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n");

@@ -20,17 +20,17 @@ extern bool gSystemScope;
 /// Why rights are needed, shown just before the password dialog.
 extern QString gPrivilegeReason;
 
-/// Whether the user has stopped the installation: no box and no password dialog comes any more.
+/// Whether the user has stopped the installation: no box and no password dialog is shown any more.
 extern bool gPromptsDeclined;
 
 /// Tells the user what is to come and obtains the administrator's rights in gMacAuthorizationRef. Returns 0
 /// when it holds them now, 1 when the user cancelled or stopped, or the rights were refused.
 int32_t establishPrivsForSetup();
 
-/// Gives the existing folder the group "admin" and group write permission, with rights where the system
-/// refuses. Returns 0 for success or nothing to do; 1 status unreadable, 2 not a directory, 3 privileged
-/// group change failed, 4 other failure of the group change or no authorization, 5 privileged mode change
-/// failed, 6 other failure of the mode change.
+/// Gives the existing folder the group "admin" and, where the group can't write to it, the mode 0775, with
+/// rights where the system refuses. Returns 0 for success or nothing to do; 1 status unreadable, 2 not a
+/// directory, 3 privileged group change failed, 4 other failure of the group change or no authorization, 5
+/// privileged mode change failed, 6 other failure of the mode change.
 int32_t fixupDirectory(const char *path);
 
 /// Creates one folder in the shared state. Returns 0 or, after a creation without rights, fixupDirectory's
@@ -48,6 +48,6 @@ int32_t createResourceDirectory(const char *parent, const char *name);
 int32_t verifyResourceDirectory(const char *parent, const char *name);
 
 /// Creates the folder at `path` as the superuser, mode 0755, and gives it to the user and the group "admin".
-/// One that exists, and a link, stay as they are. False when there is no authorization or a tool can't be
-/// started.
+/// One that exists, and a link, stay as they are. False when the user can't look there, there is no
+/// authorization or a tool can't be started.
 bool createPickedDirectory(const char *path);

@@ -5,7 +5,7 @@
 class QProcess;
 
 /// Keeps the computer from going to sleep by itself, using the system's own tool. The tool ends with this
-/// object, and within a second of the process's end. Failures are ignored. Main thread only.
+/// object, and within a second of the process's end. Ignores failures. Main thread only.
 class KeepAwake {
 public:
     KeepAwake();

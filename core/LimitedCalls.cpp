@@ -20,7 +20,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-/// The limit that people are asked to wait for a disk that is gone.
+/// As long as a user can be asked to wait for a disk that is gone.
 constexpr milliseconds limit(5000);
 /// Until a request to end is noticed.
 constexpr milliseconds slice(50);

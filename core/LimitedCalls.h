@@ -9,7 +9,8 @@
 
 /// System calls for the main thread, which a disk that no longer answers would block for good. Each runs on a
 /// thread of its own. If it takes 5 seconds, or the process is asked to end, it fails with errno ETIMEDOUT
-/// and the thread is left behind, where it may still succeed.
+/// and leaves the thread behind, where it may still succeed. Where the system has no thread left, it runs on
+/// the caller's, without the limit.
 namespace limited {
 
 int access(const std::string &path, int mode);

@@ -12,7 +12,7 @@
 extern AuthorizationRef gMacAuthorizationRef;
 
 /// Creates the reference and asks for an administrator's name and password. True when the right was granted.
-/// When it was refused or the dialog cancelled the reference stays in place, without the right.
+/// When it was refused or the dialog cancelled, the reference stays in place, without the right.
 bool createAuthority(AuthorizationRef *authorization);
 
 /// Gives up the reference with its rights and sets it to null. Returns the system's status, 0 for success.
