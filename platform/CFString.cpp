@@ -58,7 +58,7 @@ CFTypeID CFStringGetTypeID(void)
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char *text, CFStringEncoding encoding)
 {
     const QString characters = QString::fromUtf8(text);
-    // Bytes that aren't UTF-8 have become another character.
+    // Bytes that aren't UTF-8 have become replacement characters.
     const bool isWhole = encoding == kCFStringEncodingUTF8 && characters.toUtf8() == text;
     return isWhole ? new __CFString(characters) : nullptr;
 }

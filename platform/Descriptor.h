@@ -35,7 +35,7 @@ private:
     int descriptor;
 };
 
-/// Becomes readable when the process ends.
+/// A pidfd, which becomes readable when the process ends; empty when there is no such process.
 inline Descriptor endOf(pid_t process)
 {
     return Descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));

@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-/// While it lives, a signal that tells the process to end (SIGHUP, SIGINT, SIGTERM) is held back; afterwards
+/// While it lives, holds back a signal that tells the process to end (SIGHUP, SIGINT, SIGTERM); afterwards
 /// the process gets it as if it had come then. One at a time, on any thread.
 class EndSignals {
 public:

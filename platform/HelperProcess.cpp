@@ -22,7 +22,7 @@ constexpr const char *pkexec = "/usr/bin/pkexec";
 /// Milliseconds to wait for the helper to answer or exit. No user is involved, so anything longer is a hang.
 constexpr int answerLimit = 30000;
 constexpr int endLimit = 5000;
-/// How long a signal that ends this process can go unnoticed.
+/// Milliseconds that a signal to end this process can go unnoticed.
 constexpr int signalsLimit = 100;
 
 void say(const std::string &line)
@@ -31,7 +31,7 @@ void say(const std::string &line)
     std::fflush(stderr);
 }
 
-/// Whether the descriptor has something, or its end, within the limit in milliseconds.
+/// Whether the descriptor has data, or is at its end, within `limit` milliseconds.
 bool isReadable(int descriptor, int limit)
 {
     pollfd source{descriptor, POLLIN, 0};
@@ -42,7 +42,7 @@ bool isReadable(int descriptor, int limit)
     return count > 0;
 }
 
-/// Starts the helper with these standard descriptors. Negative when that fails, which is said.
+/// Starts the helper with these standard descriptors. On failure says why and returns a negative number.
 pid_t spawn(const std::string &helper, int input, int error)
 {
     std::string program = geteuid() == 0 ? helper : pkexec;

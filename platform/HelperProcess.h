@@ -7,8 +7,8 @@
 
 class EndSignals;
 
-/// The helper that runs tools as root, from its start to its end with this object. Its user is authenticated
-/// when it starts, unless this process is root already.
+/// The helper that runs tools as root; it ends with this object, or with this process. Starting it asks for
+/// an administrator's password, unless this process is root already. Not thread-safe.
 class HelperProcess {
 public:
     HelperProcess() = default;
@@ -16,16 +16,19 @@ public:
     HelperProcess(const HelperProcess &) = delete;
     HelperProcess &operator=(const HelperProcess &) = delete;
 
-    /// Starts it and waits for its word that it is ready; it ends with this process. The result is a
-    /// status of AuthorizationCopyRights; `prompt` opens the line on standard error that says that nothing
-    /// here can ask.
+    /// Starts it and waits until it is ready, so also for the password. Returns a status of
+    /// AuthorizationCopyRights. `prompt` begins the line on standard error that says that nothing here can
+    /// ask.
     OSStatus start(const std::string &prompt);
+    /// Waits for its end 5 seconds at most.
     void stop();
 
+    /// Whether start() succeeded; the helper may have ended since.
     bool wasStarted() const { return bool(socket); }
     bool isRunning() const;
 
-    /// Has the tool started and gets a connection to it; a status of AuthorizationExecuteWithPrivileges.
+    /// Has the tool started and gets a connection to it, within 30 seconds. Returns a status of
+    /// AuthorizationExecuteWithPrivileges.
     OSStatus runTool(const char *tool, char *const *arguments, Descriptor &connection);
 
 private:

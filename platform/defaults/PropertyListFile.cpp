@@ -41,7 +41,7 @@ PropertyListFile parsed(const std::string &bytes)
 
 PropertyListFile readPropertyListFile(const std::string &path, int openFlags)
 {
-    // Without O_NONBLOCK a FIFO would be waited for.
+    // Without O_NONBLOCK a FIFO would block.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | openFlags));
     struct stat status { };
     if (!file || fstat(file.get(), &status) != 0)
@@ -58,7 +58,7 @@ PropertyListFile readPropertyListFile(const std::string &path, int openFlags)
         return unreadable();
     if (length > largestPropertyList)
         return noList("is too large for a property list");
-    // A loss of power leaves an empty file, which holds no more than none.
+    // A loss of power can leave an empty file, which holds no more than a missing one.
     if (length == 0)
         return noList("is empty", true);
     bytes.resize(length);
@@ -67,7 +67,7 @@ PropertyListFile readPropertyListFile(const std::string &path, int openFlags)
 
 bool isUtf8(const std::string &bytes)
 {
-    // Into a form that has none of what UTF-8 must not hold; it takes at most twice the room.
+    // UTF-16 can't express what UTF-8 must not hold, and takes at most twice the room.
     const iconv_t converter = iconv_open("UTF-16LE", "UTF-8");
     if (reinterpret_cast<intptr_t>(converter) == -1)
         return false;

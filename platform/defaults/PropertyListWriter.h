@@ -4,10 +4,9 @@
 
 #include <string>
 
-// Both keep the file's other keys, write a binary list, as macOS does, and replace the file atomically:
-// another file in the same folder is written, synchronised and renamed to it, mode 0644. A file that is there
-// but isn't a readable property list, or isn't a regular file, stays as it is. The result is empty, or says
-// what failed.
+// Both keep the file's other keys, write a binary list, as macOS does, and replace the file atomically: they
+// write another file in the same folder, mode 0644, synchronise it and rename it. A file that isn't a regular
+// one with a readable property list stays as it is. The result is empty, or says what failed.
 
 /// Makes the file, and its folders, when they are missing.
 std::string writeString(const std::string &path, const std::string &key, const std::string &value);

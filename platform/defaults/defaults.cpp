@@ -39,7 +39,7 @@ int report(const std::string &failure)
 int main(int argc, char **argv)
 {
     const std::string verb = argc > 1 ? argv[1] : "";
-    // A file-size limit of the caller's is a failed write, after which the unfinished file is removed.
+    // So that a write over the caller's file-size limit fails, and the unfinished file is removed.
     std::signal(SIGXFSZ, SIG_IGN);
     const int expected = verb == "write" ? 5 : verb == "read" || verb == "delete" ? 4 : 0;
     if (argc != expected) {

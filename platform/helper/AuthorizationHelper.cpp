@@ -14,8 +14,8 @@
 #include <syslog.h>
 #include <unistd.h>
 
-// Runs as root for one installer: started by it through polkit, it starts the few tools that need the
-// superuser, and ends when the installer lets go of the socket or dies.
+// Runs as root for one installer, which starts it through polkit: it starts the few tools that need the
+// superuser, and ends when the installer closes the socket or dies.
 
 namespace {
 
@@ -39,8 +39,8 @@ bool shedSurroundings()
         && close_range(STDERR_FILENO + 1, ~0U, 0) == 0;
 }
 
-/// A line for the journal, whatever bytes it is made from. Longer than the longest path by what else there is
-/// to say.
+/// The line in ASCII without control characters, for the system log, cut to the longest path and what else
+/// there is to say.
 std::string printable(std::string line)
 {
     constexpr size_t longest = PATH_MAX + 512;
@@ -50,14 +50,14 @@ std::string printable(std::string line)
     return line;
 }
 
-/// The request in words, with the folder that it is about before the rest.
+/// The request in words, with its folder right after the tool.
 std::string described(HelperRequest words, bool isAboutFolder)
 {
     if (isAboutFolder)
         std::rotate(words.begin() + 1, words.end() - 1, words.end());
     std::string line;
     for (std::string &word : words) {
-        // So that none can seem to be two.
+        // So that no word can look like two.
         std::replace(word.begin(), word.end(), '\'', '?');
         line += line.empty() ? word : " '" + word + "'";
     }
@@ -83,11 +83,11 @@ std::string bindToFolder(
     if (folder)
         command.folder = std::move(folder);
     else
-        command.words.back().clear(); // there is no such folder, and no file has this name: the tool says so
+        command.words.back().clear(); // no file has an empty name, so the tool fails by itself
     return refusal;
 }
 
-/// Starts what the request asks for and waits for its end. The result is empty, or says why it was refused.
+/// Runs what the request asks for. The result is empty, or says why it was refused.
 std::string serve(const HelperPeer &peer, const HelperRequest &request, HelperFolders &folders)
 {
     HelperCaller caller{peer.user()};

@@ -11,9 +11,9 @@
 namespace {
 
 constexpr int openedFolder = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-/// As many as the kernel follows.
+/// As many links as the kernel follows.
 constexpr int mostLinks = 40;
-/// An installation makes two.
+/// An installation makes two folders.
 constexpr int mostFolders = 8;
 
 struct stat statusOf(const Descriptor &descriptor)
@@ -37,7 +37,7 @@ std::string targetOfRootsLink(const Descriptor &folder, const std::string &name)
     return length > 0 ? std::string(target, static_cast<size_t>(length)) : std::string();
 }
 
-/// Opens a folder, one name after the other.
+/// Opens the folder at `path`, one name after the other. Empty without a refusal when a name is missing.
 Descriptor walk(std::string path, std::string &refusal)
 {
     const auto root = [] { return Descriptor(open("/", openedFolder)); };

@@ -6,12 +6,12 @@
 #include <vector>
 
 /// The folders that the helper's commands are about, each opened once, so that what was judged is what the
-/// tool works on, whatever others do to its name. Paths are such that pathRefusal allows.
+/// tool works on, whatever others do to its name. Takes only paths that pathRefusal allows.
 class HelperFolders {
 public:
-    /// Opens the folder itself, which must be one of the kinds, or for New the one to make it in. No link in
-    /// its own place is followed, and on the way to it only one that nobody but root can have made. Empty
-    /// when there is no folder. What comes with a refusal must not be used.
+    /// Opens the folder itself, which must be one of the kinds, or for New the one to make it in. Follows no
+    /// link in its own place, and on the way to it only links that nobody but root can have made. Empty when
+    /// there is no folder. Don't use what comes with a refusal.
     Descriptor open(const std::string &path, unsigned kinds, uid_t caller, std::string &refusal) const;
 
     /// Remembers the folder that mkdir just made in `parent`, and counts it. One that isn't empty, or whose
@@ -23,6 +23,6 @@ private:
 
     /// Kept open so that their inode numbers can't be reused.
     std::vector<Descriptor> made;
-    /// Those that weren't remembered too.
+    /// Counts those that weren't remembered, too.
     int madeCount = 0;
 };

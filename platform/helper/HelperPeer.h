@@ -15,22 +15,23 @@ struct Packet {
 /// The one process that this helper serves: its parent, at the other end of the socket.
 class HelperPeer {
 public:
-    /// Whether the other end of standard input is a socket that this process's parent made, as the user who
-    /// asked: the id as pkexec names it, null when it wasn't pkexec that started this.
+    /// Whether standard input is a packet socket whose other end this process's parent made, as the user who
+    /// asked. `askingUser` is that user's id as pkexec gives it, null without pkexec. Call it first.
     bool identify(const char *askingUser);
     uid_t user() const { return userId; }
 
     /// True when there is something to receive, false when the process has died or closed its end.
     bool waitForPacket() const;
+    /// Takes the packet that waitForPacket() announced; doesn't wait.
     Packet receive() const;
     /// Whether the process has died or closed its end. Doesn't wait.
     bool hasEnded() const;
 
-    /// Answers a request: with the connection to the tool that was started, or with why none was.
+    /// Answers a request with the connection to the tool that was started, or with why none was.
     void answer(const std::string &refusal, const Descriptor &connection) const;
 
-    /// Waits for the end of a tool. Whether it succeeded; false, too, when the process has died or closed its
-    /// end before.
+    /// Waits for the end of a tool and returns whether it succeeded; false, too, when the process dies or
+    /// closes its end first.
     bool waitForTool(pid_t tool) const;
 
 private:

@@ -17,6 +17,6 @@ constexpr size_t largestRequest = 48 * 1024;
 
 struct HelperReply {
     OSStatus status = errAuthorizationSuccess;
-    /// Why not, as a text with its NUL.
+    /// Why the tool wasn't started, with its NUL.
     char reason[508] = {};
 };

@@ -11,8 +11,8 @@ constexpr char productFolder[] = "/Library/Application Support/Brindlewerks";
 constexpr char list[] = "/Library/Preferences/com.brindle.CorvaneLumetra";
 constexpr char key[] = "LumetraFullDatabasePath";
 
-/// Folders of the system's, with all below them: programs of root's look for plug-ins there, and one can be
-/// named after a database. So are all whose names begin with "/lib".
+/// The system's folders: below them programs of root's look for plug-ins, and one could be named after a
+/// database. Folders whose names begin with "/lib" count, too.
 constexpr const char *systemFolders[] = {
     "/usr", "/etc", "/bin", "/sbin", "/boot", "/dev", "/proc", "/sys", "/run", "/var", "/root"};
 

@@ -22,15 +22,15 @@ enum HelperFolder : unsigned {
 
 /// One command that an installation needs.
 struct HelperRule {
-    /// Those in angle brackets stand for what they say; the folder comes last.
+    /// Words in angle brackets stand for what they say; the folder comes last.
     const char *words[5];
     unsigned folders = NoFolder;
 };
 
-/// The rule that the request keeps to; null when there is none.
+/// The rule that the request matches; null when there is none.
 const HelperRule *ruleFor(const HelperRequest &request, const HelperCaller &caller);
 
-/// Why no command may be about a folder of that path; empty when one may.
+/// Why no command may be about a folder at that path; empty when one may.
 std::string pathRefusal(const std::string &path);
 
 /// Why no folder may be made in this one, named by its real path; empty when one may.

@@ -32,7 +32,7 @@ typedef enum {
 
 extern const CFAllocatorRef kCFAllocatorDefault;
 
-/// Releases an object that a Create or Copy function gave; anything else, null too, crashes.
+/// Releases an object from a Create or Copy function. Never pass anything else: null crashes on macOS.
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 
@@ -47,10 +47,10 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char *text
 CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 /// Writes the string and its NUL. False, with the buffer untouched, when it doesn't fit or has a character
-/// that the encoding hasn't.
+/// that the encoding lacks.
 Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize, CFStringEncoding encoding);
 
-/// Not to be released, as it is got and not copied.
+/// Never to be released, as from any Get function.
 CFBundleRef CFBundleGetMainBundle(void);
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);

@@ -50,7 +50,7 @@ enum {
     errAuthorizationToolExecuteFailure = -60031,
 };
 
-/// Makes a reference that holds no rights yet and stores it. Of the environment the item "prompt" is kept.
+/// Makes a reference that holds no rights yet and stores it. Keeps the environment's item "prompt".
 OSStatus AuthorizationCreate(const AuthorizationRights *rights, const AuthorizationEnvironment *environment,
     AuthorizationFlags flags, AuthorizationRef *authorization);
 
@@ -60,8 +60,8 @@ OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags fl
 /// Obtains the right "system.privilege.admin", the only one there is, whatever the rights and flags: one
 /// authentication, unless the process is root. errAuthorizationCanceled: the dialog was dismissed, or the
 /// process was told to end meanwhile. errAuthorizationDenied: wrong password or no administrator.
-/// errAuthorizationInteractionNotAllowed: nothing here can ask. errAuthorizationInternal: the means are
-/// missing. The last two and their cause go to standard error.
+/// errAuthorizationInteractionNotAllowed: nothing here can ask. errAuthorizationInternal: the helper can't be
+/// started. For the last two, a line on standard error says why.
 OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const AuthorizationRights *rights,
     const AuthorizationEnvironment *environment, AuthorizationFlags flags,
     AuthorizationRights **authorizedRights);
@@ -69,9 +69,9 @@ OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const Authoriza
 /// Starts a tool as root. The communications pipe, the caller's to close, is the tool's standard input and
 /// output; its end of file is the tool's end. Here it carries the tool's errors, too; on macOS these go
 /// straight to the caller's standard error. errAuthorizationDenied: the reference holds no right.
-/// errAuthorizationToolExecuteFailure: no command that an installation needs, for the reason that a line on
-/// standard error gives, or the tool can't be started. errAuthorizationInternal: the right has ended by
-/// itself.
+/// errAuthorizationToolExecuteFailure: no installation needs the command, or the tool can't be started.
+/// errAuthorizationInternal: the helper, and with it the right, has ended. For the last two, a line on
+/// standard error says why.
 OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, const char *pathToTool,
     AuthorizationFlags options, char *const *arguments, FILE **communicationsPipe);
 
