@@ -9,8 +9,8 @@
 
 #include <cstdio>
 
-// Shows what Qt alone takes, to compare the installer with: bench_bare opens a wizard with an empty page,
-// bench_bare PICTURE DOCUMENT one with a background picture and a page that shows the document; bench_bare
+// Shows what Qt alone takes, to compare the installer with. bench_bare opens a wizard with an empty page;
+// bench_bare PICTURE DOCUMENT one with a background picture and a page that shows the document. bench_bare
 // SOURCE DESTINATION COUNT TOOL... runs the tool for one file after another.
 
 namespace {

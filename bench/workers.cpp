@@ -50,7 +50,7 @@ size_t heapInUse()
     std::printf("{\"seconds\": %.6f, \"files\": %d, \"heap\": %zu, \"bare\": %zu}\n", seconds,
         sResultList.size(), after - before, heapInUse() - after);
     std::fflush(stdout);
-    // Frees no list, as the allocator would read a system file, which would count as one of the scan's calls.
+    // Frees no list: the allocator would open a system file, which would count as one of the scan's calls.
     std::_Exit(0);
 }
 

@@ -14,7 +14,7 @@ OLDEST = 1_000_000_000
 
 
 def make(folder, total, files=FILES, sparse=False):
-    """Fills the new folder with `files` data files of `total` bytes together, and decoys.
+    """Fills the new folder with `files` data files of `total` bytes together, and with decoys.
 
     The bytes are the same on every run; with `sparse` they are holes, which take neither time nor space.
     """

@@ -78,7 +78,7 @@ def become_plain():
 
 
 class System:
-    """The accounts, and the services that run in the world from its start."""
+    """The world's accounts and services."""
 
     def __init__(self, rule=ADMINISTRATOR_MAY):
         Path(HOME).parent.mkdir(exist_ok=True)
@@ -107,9 +107,9 @@ class System:
 
 
 class Agent:
-    """polkit's own agent for one process, on a terminal of its own, and somebody who types the password, if there is one.
+    """polkit's own agent for one process, on a terminal of its own, and somebody who types the password, if given.
 
-    That somebody is a process, since this one may block while it waits for the installer's windows.
+    That somebody is another process, since this one may block while it waits for the installer's windows.
     """
 
     def __init__(self, process, password, as_plain=False):

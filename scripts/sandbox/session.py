@@ -34,13 +34,13 @@ def show_end(world, wanted):
     found = sizes(world.path(recorded))
     missing = {name for name, _ in wanted} - {name for name, _ in found}
     if missing or not found <= wanted:
-        raise Unexpected(f"the database is not whole: {sorted(missing) or sorted(found - wanted)}")
+        raise Unexpected(f"the database is not complete: {sorted(missing) or sorted(found - wanted)}")
     print(f"The database is installed: {len(found)} files, {sum(size for _, size in found)} bytes.")
 
 
 def open_session(bundle, pictures, source=None):
     world = World("build/world", bundle)
-    print("Laying the world in build/world")
+    print("Setting up the sandbox in build/world")
     world.lay()
     if source:
         world.mounts[source] = DATABASE
@@ -50,7 +50,7 @@ def open_session(bundle, pictures, source=None):
     # Before the installation, which may move the files.
     wanted = sizes(source)
     if os.environ.get("DISPLAY"):
-        print("The installer is open on your display; the result follows when it is closed.")
+        print("The installer is open on your display; the result follows when you close it.")
         status = subprocess.call(world.command(PROGRAM, display=True))
     else:
         pictures = Path(pictures).resolve()

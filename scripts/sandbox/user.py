@@ -33,7 +33,7 @@ class User:
     def __init__(self, pictures=None):
         self.pictures = pictures
         environment = os.environ | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
-        # As careful users and careless starters have it: new files closed to others, no standard input.
+        # New files closed to others, as careful users set it, and no standard input, as careless launchers leave it.
         self.program = subprocess.Popen([PROGRAM], env=environment, stderr=open("/tmp/stderr", "w"), umask=0o077,
                                         preexec_fn=lambda: os.close(0))
         # Qt joins only an accessibility bus that starts after it does, so its window must show first.
@@ -159,7 +159,7 @@ class User:
         return _is(self.find(role, name), pyatspi.STATE_FOCUSED)
 
     def click(self, role, name, event="b1c"):
-        """Clicks a control with the mouse, or does what else the event says."""
+        """Clicks a control with the mouse, or generates another mouse event on it."""
         left, top, width, height = _box(self._ready(role, name))
         pyatspi.Registry.generateMouseEvent(left + height // 2, top + height // 2, event)
 

@@ -1,8 +1,8 @@
 """A world in which the installer's own paths exist, made with bubblewrap; it changes nothing on the machine.
 
 One folder, mounted once, is its root, so that /Library, /Volumes and the bundle's folder are on one device, as on a Mac
-with one disk. The machine's /usr and /etc are mounted over it read-only, except for account files that add the group
-`admin` and a plain user.
+with one disk. The machine's /usr and /etc are mounted over it read-only, with account files that add the group `admin`
+and a plain user.
 """
 
 import os
@@ -25,8 +25,8 @@ FOLDERS = ("Library/Application Support", "Library/Preferences", "Volumes", HOME
 class World:
     """One world under `root`.
 
-    `library_size` gives /Library a disk of its own of that many bytes. `mounts` maps folders of the machine to read-only
-    places in the world; each is another device to the installer.
+    `library_size` gives /Library a disk of its own of that many bytes. `mounts` maps folders of the machine to
+    read-only places in the world; each is another device to the installer.
     """
 
     def __init__(self, root, bundle, library_size=None, mounts=None):
