@@ -1,7 +1,7 @@
 set(package_folder lib/${CPACK_PACKAGE_NAME})
 set(bundle_folder "${package_folder}/${BUNDLE_NAME}.app/Contents")
 
-# Installs the programs as targets, so that the packages get them without their symbols.
+# The programs as targets, so that cpack strips them.
 install(DIRECTORY "${BUNDLE_CONTENTS}/" DESTINATION "${bundle_folder}" COMPONENT bundle
     PATTERN MacOS EXCLUDE
     PATTERN Helpers EXCLUDE)

@@ -1,4 +1,4 @@
--- Lays out the window of the disk image: the artwork behind, what it holds on the artwork's calm side. The Finder does it,
+-- Lays out the window of the disk image: the artwork behind, the icons on the artwork's calm side. The Finder does it,
 -- so somebody must be logged in. It saves the layout late, and holds the disk until it has.
 on run argv
     set imageName to item 1 of argv
