@@ -41,7 +41,7 @@ class World:
         return self.root / inside.lstrip("/")
 
     def lay(self):
-        """Makes the world's folders anew."""
+        """Removes the last world and makes the folders of a new one."""
         self.remove()
         for folder in FOLDERS:
             (self.root / folder).mkdir(parents=True)
