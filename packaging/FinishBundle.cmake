@@ -6,8 +6,8 @@
 # SIGNING_IDENTITY  the identity that codesign signs with; "-" signs ad hoc, as Apple silicon starts no unsigned program
 cmake_minimum_required(VERSION 3.21)
 
-# Sets RESULT to the programs and libraries in the bundle: the files that begin with a Mach-O header, of one architecture
-# or of several.
+# Sets RESULT to the programs and libraries in the bundle: the files that begin with a Mach-O header, of one
+# architecture or of several.
 function(list_binaries result)
     set(binaries "")
     file(GLOB_RECURSE files LIST_DIRECTORIES false "${BUNDLE}/Contents/*")

@@ -2,7 +2,7 @@
 get_target_property(qt_library Qt${INSTALLER_QT}::Core LOCATION)
 execute_process(COMMAND otool -arch all -l "${qt_library}" OUTPUT_VARIABLE load_commands COMMAND_ERROR_IS_FATAL ANY)
 
-# Each architecture has a minimum of its own, in LC_BUILD_VERSION or in the older LC_VERSION_MIN_MACOSX. The lowest counts:
+# Each architecture has its own minimum, in LC_BUILD_VERSION or in the older LC_VERSION_MIN_MACOSX. The lowest counts:
 # Apple silicon starts with 11, and the Intel half may run on older systems.
 string(REGEX MATCHALL "minos +[0-9.]+|LC_VERSION_MIN_MACOSX[ \n]+cmdsize +[0-9]+[ \n]+version +[0-9.]+" versions
     "${load_commands}")

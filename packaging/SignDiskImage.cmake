@@ -1,5 +1,5 @@
-# Signs the finished image: macOS starts a program on an unsigned, downloaded image from a random place, where it doesn't
-# find the folder beside it. Removes an image that can't be signed, since cpack would deliver it all the same.
+# Signs the finished image: macOS starts a program on an unsigned, downloaded image from a random place, where it finds
+# no folder beside it. Removes an image that can't be signed, since cpack would deliver it all the same.
 foreach(image IN LISTS CPACK_PACKAGE_FILES)
     execute_process(COMMAND codesign --timestamp --sign "${CPACK_SIGNING_IDENTITY}" "${image}" RESULT_VARIABLE failed)
     if(NOT failed)
