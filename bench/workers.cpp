@@ -47,8 +47,8 @@ size_t heapInUse()
         const QString path = file.filePath();
         bare += QFileInfo(QString(path.constData(), path.size()));
     }
-    std::printf("{\"seconds\": %.6f, \"files\": %d, \"heap\": %zu, \"bare\": %zu}\n", seconds,
-        sResultList.size(), after - before, heapInUse() - after);
+    std::printf("{\"seconds\": %.6f, \"files\": %zu, \"heap\": %zu, \"bare\": %zu}\n", seconds,
+        static_cast<size_t>(sResultList.size()), after - before, heapInUse() - after);
     std::fflush(stdout);
     // Frees no list: the allocator would open a system file, which would count as one of the scan's calls.
     std::_Exit(0);
