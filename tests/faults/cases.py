@@ -2,7 +2,7 @@
 
 import os
 
-from world import INSTALLED, PARENT, Case
+from world import DESTINATION, INSTALLED, PARENT, Case
 
 CANCELLED = r"Database was not installed\|Cancel was pressed\.$"
 FAILED = r"Database was not installed\|"
@@ -55,7 +55,8 @@ FAULTS = (
     at_third("file can't be read", 'chmod 0 "$source"', SAID + "Permission denied", **AS_PLAIN_USER),
     at_third("source unmounted", "umount -l /opt/Lumetra", SAID + "No such file"),
     at_third("tool killed", "part; kill -9 $$", FAILED + r"/bin/cp: crashed\.$"),
-    at_third("tool killed before it opens the older file", "kill -9 $$", FAILED + r"/bin/cp: crashed\.$", older=True),
+    at_third("tool killed before it opens the older file", "kill -9 $$", FAILED + r"/bin/cp: crashed\.$",
+             setup=f"mkdir -p '{DESTINATION}'; echo older >'{DESTINATION}/c.zqin'"),
     at_third("tool can't be started", ":", FAILED + r"/bin/cp: failed to start\.$", setup="chmod 644 /opt/cp"),
     at_third("tool hangs", "part; kill -STOP $$", CANCELLED, state="running", means="button", answer=ANSWER),
     at_third("tool warns", '/opt/real/cp "$@"; echo é 100%s >&2; exit 0', SAID + "é 100%s\n$"),
@@ -72,7 +73,7 @@ FAULTS = (
     Case("source's disk falls silent", failing="access:1:0", outcome=r"Welcome.*not found"),
     Case("destination's disk falls silent", failing="access:3:0"),
     Case("/tmp can't be written", setup="mount -t tmpfs -o ro none /tmp"),
-    Case("HOME unset", environment={"HOME": ""}),
+    Case("HOME unset", limits="exec env -u HOME"),
     at_third("messages unread", '/opt/real/cp "$@"; echo careful >&2; exit', SAID + "careful\n$",
              limits="mkfifo /tmp/f; exec 3<>/tmp/f 2>/tmp/f 3<&-; exec"),
     at_third("descriptors exhausted", "prlimit --pid $PPID --nofile=6", FAILED + "/bin/cp: (failed to start|unknown error)"),
@@ -93,8 +94,8 @@ if os.environ.get("PATIENCE", "1") != "1":
     FAULTS = tuple(case for case in FAULTS if "prlimit" not in case.cp and not case.failing)
 
 LONG_RUN = Case("long run", files=100, size=2000, state="random", means="button")
-STALLS = (Case("200,000 files scanned", empty=200_000, state="destination", means="close", outcome="Select"),
-          Case("2,000 files copied", empty=1998, files=2, seconds=300))
+STALLS = (Case("200,000 files scanned", empty=200_000, state="destination", means="close", outcome="Select", gap=100),
+          Case("2,000 files copied", empty=1998, files=2, seconds=300, gap=100))
 # Each kind of call with an error that it really meets.
 CALLS = {"open": (13, 24), "mkdir": (28,), "stat": (5,), "chown": (1,), "chmod": (1,), "fork": (11,), "write": (28,),
          "rename": (5, 18)}

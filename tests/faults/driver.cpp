@@ -15,9 +15,6 @@
 
 #include <csignal>
 
-/// Of the library of failing calls, when it is loaded.
-extern "C" void armFailingCalls() __attribute__((weak));
-
 namespace {
 
 class User : public QObject {
@@ -74,9 +71,6 @@ private:
 
     bool reached() const { return state == "scanning" ? !wizard.page(0)->isComplete() : state == place(); }
 
-    /// Looks only when it is asked for: the calls that it takes count among those that fail.
-    bool toolRuns() const { return state == "running" && QFile::exists("/tmp/tool-runs"); }
-
     /// Where the user is, in the words of the command line.
     QString place() const
     {
@@ -86,8 +80,10 @@ private:
             return ended() ? "recording" : "preparing";
         if (wizard.currentId() == 0)
             return wizard.currentPage()->isComplete() ? "found" : "searching";
+        // Looks only when it is asked for: the calls that it takes count among those that fail.
+        const bool toolRuns = state == "running" && QFile::exists("/tmp/tool-runs");
         if (wizard.currentId() == 3)
-            return ended() ? "done" : toolRuns() ? "running" : "before";
+            return ended() ? "done" : toolRuns ? "running" : "before";
         return wizard.currentId() == 1 ? "agreement" : "destination";
     }
 
@@ -112,24 +108,14 @@ private:
             wizard.button(QWizard::FinishButton)->click();
         else if (wizard.currentId() == 3)
             begin(page);
-        else if (page->isComplete())
-            goOn();
+        else if (page->isComplete() && std::exchange(passed, wizard.currentId()) != wizard.currentId())
+            wizard.next();
         else if (wizard.currentId() == 1)
             page->findChild<QCheckBox *>()->click();
         else if (button->isEnabled() && button->isVisible() && state == "choosing")
             button->click();
         else if (button->isEnabled() && button->isVisible())
             wizard.close();
-    }
-
-    /// Closes the wizard when the page has refused already.
-    void goOn()
-    {
-        if (turnedDown)
-            return void(wizard.close());
-        const int before = wizard.currentId();
-        wizard.next();
-        turnedDown = wizard.currentId() == before;
     }
 
     /// Spares the second before the installation.
@@ -152,7 +138,8 @@ private:
     QElapsedTimer lastLook;
     qint64 waitedBefore = 0;
     bool begun = false;
-    bool turnedDown = false;
+    /// The page that was last left, or has refused to be.
+    int passed = -1;
 };
 
 } // namespace
@@ -160,23 +147,19 @@ private:
 int main(int argc, char *argv[])
 {
     QApplication application(argc, argv);
-    if (armFailingCalls)
-        armFailingCalls();
+    // From here on the calls are counted that may fail.
+    if (QFile count("/opt/count"); count.open(QIODevice::ReadWrite))
+        count.write(QByteArray(sizeof(int), '\0'));
     TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::requested, &QApplication::closeAllWindows);
-    QJsonObject report;
-    QElapsedTimer stopped;
-    int status = 0;
-    {
-        Orvo_Installer wizard;
-        install_wizard = &wizard;
-        wizard.show();
-        User user(wizard, application.arguments());
-        status = QApplication::exec();
-        report = user.seen();
-        stopped = user.sinceStop;
-    }
-    report["left"] = stopped.isValid() ? stopped.elapsed() : -1;
+    auto wizard = std::make_unique<Orvo_Installer>();
+    install_wizard = wizard.get();
+    wizard->show();
+    User user(*wizard, application.arguments());
+    const int status = QApplication::exec();
+    QJsonObject report = user.seen();
+    wizard.reset();
+    report["left"] = user.sinceStop.isValid() ? user.sinceStop.elapsed() : -1;
     QTextStream(stdout) << QJsonDocument(report).toJson();
     return status;
 }

@@ -4,11 +4,10 @@ and a user (driver.cpp), and the one thing that must hold after it, whatever hap
 import json
 import os
 import re
-import shutil
 import subprocess
 import sys
 import tempfile
-from dataclasses import asdict, dataclass, field
+from dataclasses import asdict, dataclass
 from pathlib import Path
 
 SOURCE = "/opt/Lumetra"
@@ -48,13 +47,13 @@ class Case:
     size: int = 300_000
     empty: int = 0
     outcome: str = INSTALLED
+    # The longest that an answer to the stop and any other event may take, in milliseconds; 0 is no limit.
     answer: int = 0
+    gap: int = 0
     seconds: int = 60
     lost: tuple = ()
     silent: bool = False
-    older: bool = False
     failing: str = ""
-    environment: dict = field(default_factory=dict)
 
 
 def sh(command, **more):
@@ -64,7 +63,6 @@ def sh(command, **more):
 def lay(case, driver, contents, preload):
     """Makes the world and enters it."""
     root = tempfile.mkdtemp()
-    real = " ".join(shutil.which(tool) for tool in ("cp", "mv", "df"))
     sh(f"""mount --make-rprivate /; mount -t tmpfs -o nr_inodes=1m none {root}; cd {root}; mkdir -m 700 root
         mkdir -p usr etc proc dev tmp opt/real opt/Installer/Contents {SOURCE[1:]} '.{PARENT}' Library/Preferences
         for folder in usr etc proc dev; do mount --rbind /$folder $folder; done
@@ -73,7 +71,7 @@ def lay(case, driver, contents, preload):
         cp '{Path(__file__).resolve().parent.parent}/'*.supp opt
         mount --bind '{driver}' opt/Installer/driver; mount --bind '{contents}' opt/Installer/Contents
         test -z '{preload}' || mount --bind '{preload}' opt/preload.so
-        for tool in {real}; do touch opt/real/${{tool##*/}}; mount --bind $tool opt/real/${{tool##*/}}; done""")
+        cp /usr/bin/cp /usr/bin/mv /usr/bin/df opt/real""")
     os.chroot(root)
     os.chdir("/")
     if not case.move:
@@ -89,9 +87,6 @@ def lay(case, driver, contents, preload):
         Path(SOURCE, f"{chr(97 + i) if i < 26 else i}.zqin").write_bytes(os.urandom(case.size))
     for i in range(case.empty):
         os.close(os.open(f"{SOURCE}/empty {i}.zqimage", os.O_CREAT))
-    if case.older:
-        Path(DESTINATION).mkdir(parents=True)
-        Path(DESTINATION, "c.zqin").write_bytes(b"older")
 
 
 def content(folder, names=None):
@@ -106,12 +101,14 @@ def content(folder, names=None):
     return files
 
 
+def installed():
+    return content(os.open(DESTINATION, os.O_RDONLY)) if os.path.isdir(DESTINATION) else {}
+
+
 def invariant(case, before, older, source, title):
     """What is broken of: each file whole in the source or the destination, no part of a file at the destination,
     nothing incomplete shown as installed or recorded."""
-    there = {}
-    if os.path.isdir(DESTINATION):
-        there = content(os.open(DESTINATION, os.O_RDONLY))
+    there = installed()
     marked = there.pop(".unfinished-installation", None)
     left = content(source, before)
     wrong = [f"{name} is lost" for name, file in before.items()
@@ -134,18 +131,18 @@ def inside(case, *places):
     lay(case, *places)
     source = os.open(SOURCE, os.O_RDONLY)
     before = content(source)
-    older = content(os.open(DESTINATION, os.O_RDONLY)) if case.older else {}
     environment = {"PATH": "/usr/bin:/usr/sbin", "HOME": "/root", "XDG_RUNTIME_DIR": "/root",
                    "QT_QPA_PLATFORM": "offscreen", "ASAN_OPTIONS": "fast_unwind_on_malloc=0",
                    "LSAN_OPTIONS": "print_suppressions=0:suppressions=/opt/leaks.supp",
-                   "TSAN_OPTIONS": "ignore_noninstrumented_modules=1:suppressions=/opt/races.supp", **case.environment}
+                   "TSAN_OPTIONS": "ignore_noninstrumented_modules=1:suppressions=/opt/races.supp"}
     if case.failing:
         Path("/opt/count").write_bytes(b"\xff" * 4)
         environment |= {"LD_PRELOAD": "/opt/preload.so", "FAILING_CALLS": f"/opt/count:{case.failing}"}
     sh(case.setup, cwd=SOURCE)
+    older = installed()
     command = f"{case.limits} timeout -k 5 {case.seconds} {DRIVER} {case.state} {case.means} {case.delay}"
-    run = subprocess.run(["sh", "-c", command], env={name: value for name, value in environment.items() if value},
-                         stdin=subprocess.DEVNULL, capture_output=True, check=False)
+    run = subprocess.run(["sh", "-c", command], env=environment, stdin=subprocess.DEVNULL,
+                         capture_output=True, check=False)
     seen = {"outcome": "|", "answer": -1, "gap": -1, "left": -1, **json.loads(run.stdout or "{}")}
     title = seen["outcome"].partition("|")[0]
     return {**seen, "status": run.returncode, "wrong": invariant(case, before, older, source, title),
@@ -183,6 +180,8 @@ def faults_of(case, seen, patience=1):
     took = seen["left" if case.state == "scanning" else "answer"]
     if case.answer and not 0 <= took <= case.answer * patience:
         wrong.append(f"answered after {took} ms")
+    if case.gap and not 0 <= seen["gap"] <= case.gap * patience:
+        wrong.append(f"its event loop stood still for {seen['gap']} ms")
     return wrong
 
 
