@@ -1,5 +1,4 @@
 #include "Fixture.h"
-#include "OwnMounts.h"
 
 #include "InstallState.h"
 #include "SizeThread.h"
@@ -118,31 +117,6 @@ private slots:
         QCOMPARE(SizeThread(nullptr, "").dirSize(tree.path(), found), quint64(0));
         QVERIFY(found.isEmpty());
         rmdir(odd);
-    }
-
-    /// What was found before the disk went away must not pass for the whole.
-    void lostDiskHoldsNothing()
-    {
-        if (!enterOwnMounts())
-            QSKIP("needs mounts of its own");
-        const Tree tree;
-        const QString disk = tree.folder("disk");
-        const QList<QFileInfo> before{QFileInfo(tree.path("found before.zqin"))};
-        for (unsigned long delay = 0; delay < 4000; delay += 200) {
-            sResultList = before;
-            SizeThread scanner(nullptr, disk);
-            quint64 whole = 0;
-            {
-                const Mount mount("none", disk, "tmpfs");
-                for (; whole < 300; ++whole)
-                    tree.file(QString("disk/%1/a.zqin").arg(whole), "1");
-                scanner.start();
-                QThread::usleep(delay);
-            }
-            QVERIFY(scanner.wait(patience));
-            const auto found = quint64(sResultList.size() - before.size());
-            QVERIFY2(found == 0 || found == whole, qPrintable(QString::number(found)));
-        }
     }
 };
 

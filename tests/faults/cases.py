@@ -69,6 +69,7 @@ FAULTS = (
         exec /opt/Installer/Contents/Helpers/defaults write /root/Library/Preferences/com.brindle.Corvane \
             driver_LogLocation /root/log"""),
     Case("source without data files", files=0, outcome=NO_DATA),
+    Case("source unmounted while it is measured", state="scanning", means="unmount", empty=200_000, outcome=NO_DATA),
     Case("listing fails half-way", failing="list:6:5", outcome=NO_DATA),
     Case("source's disk falls silent", failing="access:1:0", outcome=r"Welcome.*not found"),
     Case("destination's disk falls silent", failing="access:3:0"),

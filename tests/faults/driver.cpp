@@ -14,6 +14,7 @@
 #include <QPushButton>
 
 #include <csignal>
+#include <sys/mount.h>
 
 namespace {
 
@@ -96,6 +97,8 @@ private:
             QTest::keyClick(&wizard, Qt::Key_Escape);
         else if (means == "close")
             wizard.close();
+        else if (means == "unmount")
+            umount2("/opt/Lumetra", MNT_DETACH);
         else
             kill(getpid(), means == "term" ? SIGTERM : means == "int" ? SIGINT : SIGHUP);
     }
