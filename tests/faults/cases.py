@@ -16,6 +16,7 @@ SLOW_MOVE = '/opt/real/mv "$source" /tmp/c; : >/tmp/tool-runs; sleep 1; exec /op
 # Sees no notice before the box that a password dialog would follow.
 ADMINISTRATOR = "{ cat /etc/group; echo admin:x:4711:; } >/tmp/group; mount --bind /tmp/group /etc/group"
 NO_DATA = r"Welcome.*0\.00 GB"
+LOG_SWITCH = "/root/Library/Preferences/com.brindle.Corvane"
 UNWRITABLE = "mount -o remount,ro /Library"
 
 SIGNALS = ("term", "int", "hup")
@@ -65,9 +66,10 @@ FAULTS = (
     Case("mv killed while it copies", move=True, mv="part; kill -9 $$", outcome=FAILED + r"/bin/mv: crashed\.$"),
     Case("mv killed when done", move=True, mv='/opt/real/mv "$@"; kill -9 $$', outcome=FAILED + r"/bin/mv: crashed\.$"),
     Case("df can't be started", df="exit 0", setup="chmod 644 /opt/df", outcome=NO_ROOM),
-    Case("log on a full disk", setup="""mkdir -p /root/Library/Preferences; ln -s /dev/full /root/log
-        exec /opt/Installer/Contents/Helpers/defaults write /root/Library/Preferences/com.brindle.Corvane \
-            driver_LogLocation /root/log"""),
+    Case("log on a full disk", setup=f"""ln -s /dev/full /root/log
+        exec /opt/Installer/Contents/Helpers/defaults write {LOG_SWITCH} driver_LogLocation /root/log"""),
+    Case("log's place is no text", setup=f"""mkdir -p {os.path.dirname(LOG_SWITCH)}
+        echo '<plist><dict><key>driver_LogLocation</key><array/></dict></plist>' >{LOG_SWITCH}.plist"""),
     Case("source without data files", files=0, outcome=NO_DATA),
     Case("source unmounted while it is measured", state="scanning", means="unmount", empty=200_000, outcome=NO_DATA),
     Case("listing fails half-way", failing="list:6:5", outcome=NO_DATA),
