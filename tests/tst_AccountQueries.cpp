@@ -24,7 +24,7 @@ private slots:
         QFETCH(int, members);
         QFETCH(gid_t, found);
         if (!enterOwnMounts())
-            QSKIP("needs mounts of its own, which only root on Linux has");
+            QSKIP("needs mounts of its own, which only root has");
         const Tree tree;
         const QByteArray group = "admin:x:4242:" + QByteArray("member,").repeated(members) + "last\n";
         const Mount groups(tree.file("group", group), "/etc/group");

@@ -61,14 +61,9 @@ class tst_MacWriteGlobalDefaultSetting : public QObject {
 private slots:
     void initTestCase()
     {
-        if (enterOwnRoot())
-            createAuthority(&authorization);
-    }
-
-    void init()
-    {
-        if (!authorization && QTest::currentTestFunction() != QByteArray("nothingIsRunWithoutAReference"))
-            QSKIP("needs a root of its own, which only root on Linux has");
+        if (!enterOwnRoot())
+            QSKIP("needs a root of its own, which only root has");
+        createAuthority(&authorization);
     }
 
     void cleanupTestCase()
