@@ -31,6 +31,12 @@ public:
             qFatal("no file %s", qPrintable(created.fileName()));
         return path(name);
     }
+    /// A shell script that can be started.
+    QString program(const QString &name, const QByteArray &script) const
+    {
+        QFile::setPermissions(file(name, "#!/bin/sh\n" + script), QFile::Permissions(0x7755));
+        return path(name);
+    }
 
 private:
     const QTemporaryDir root;

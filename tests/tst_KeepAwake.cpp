@@ -2,15 +2,8 @@
 
 #include "core/KeepAwake.h"
 
-#include <QProcess>
-
-#include <unistd.h>
-
-/// A stand-in for the system's tool, the same but for the inhibition: it runs what follows its options.
-constexpr char inhibit[] = "#!/bin/sh\n"
-                           "echo $$ \"$*\" >${0%/*}/started\n"
-                           "while test \"${1#--}\" != \"$1\"; do shift; done\n"
-                           "exec \"$@\"\n";
+#include <csignal>
+#include <sys/wait.h>
 
 class tst_KeepAwake : public QObject {
     Q_OBJECT
@@ -27,8 +20,10 @@ class tst_KeepAwake : public QObject {
 private slots:
     void initTestCase()
     {
-        QFile tool(tree.file("systemd-inhibit", inhibit));
-        QVERIFY(tool.setPermissions(QFile::Permissions(0x7755)));
+        // A stand-in for the system's tool, the same but for the inhibition: it runs what follows its
+        // options.
+        tree.program("systemd-inhibit",
+            "echo $$ \"$*\" >${0%/*}/started; while test \"${1#--}\" != \"$1\"; do shift; done; exec \"$@\"");
         qputenv("PATH", QFile::encodeName(tree.path()) + ':' + qgetenv("PATH"));
     }
 
@@ -47,25 +42,18 @@ private slots:
 
     void endsWithAKilledInstaller()
     {
-        QProcess installer;
-        installer.start(QCoreApplication::applicationFilePath(), {"hold"});
+        const int installer = fork();
+        if (installer == 0) {
+            const KeepAwake awake;
+            pause();
+        }
         QTRY_VERIFY_WITH_TIMEOUT(started().endsWith("cat\n"), patience);
         QVERIFY(isAwake());
-        installer.kill();
-        QVERIFY(installer.waitForFinished(patience));
+        kill(installer, SIGKILL);
+        waitpid(installer, nullptr, 0);
         QTRY_VERIFY_WITH_TIMEOUT(!isAwake(), 1000);
     }
 };
 
-int main(int argc, char *argv[])
-{
-    QCoreApplication application(argc, argv);
-    if (application.arguments().value(1) == "hold") {
-        const KeepAwake awake;
-        pause();
-    }
-    tst_KeepAwake test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_GUILESS_MAIN(tst_KeepAwake)
 #include "tst_KeepAwake.moc"
