@@ -1,12 +1,11 @@
 #include "Fixture.h"
 #include "OwnMounts.h"
 
+#include "macos/MacDoAuthorizedCommand.h"
 #include "platform/HelperPlace.h"
 #include "platform/helper/HelperProtocol.h"
 
 #include <QProcess>
-
-#include <Security/Authorization.h>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -14,14 +13,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-static OSStatus obtainRight(AuthorizationRef &authorization)
-{
-    AuthorizationItem item{"system.privilege.admin", 0, nullptr, 0};
-    const AuthorizationRights rights{1, &item};
-    AuthorizationCreate(nullptr, kAuthorizationEmptyEnvironment, kAuthorizationFlagDefaults, &authorization);
-    return AuthorizationCopyRights(authorization, &rights, kAuthorizationEmptyEnvironment,
-        kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights, nullptr);
-}
+constexpr OSStatus done = errAuthorizationSuccess;
+constexpr OSStatus refused = errAuthorizationToolExecuteFailure;
 
 static QByteArray proc(int process, const QString &name)
 {
@@ -33,9 +26,14 @@ static int childOf(int parent)
     return proc(parent, QString("task/%1/children").arg(parent)).split(' ').first().toInt();
 }
 
-static bool isAlive(int process)
+/// This process's end of the connection to the helper: it has no other socket of that kind.
+static int helperSocket()
 {
-    return !proc(process, "cmdline").isEmpty();
+    int number = -1, type = 0;
+    socklen_t size = sizeof type;
+    while (type != SOCK_SEQPACKET)
+        getsockopt(++number, SOL_SOCKET, SO_TYPE, &type, &size);
+    return number;
 }
 
 /// The helper as it is when this process is root and no one has to be asked.
@@ -45,47 +43,63 @@ class tst_Authorization : public QObject {
     std::unique_ptr<Tree> tree;
     QByteArray folder;
     AuthorizationRef authorization = nullptr;
+    /// Of startInstaller, in a process group of its own.
+    int installer = 0;
+    int helper = 0;
+    int tool = 0;
 
-    OSStatus start(const char *tool, QVector<QByteArray> arguments, FILE **pipe)
+    /// Runs a tool to its end.
+    OSStatus run(const char *path, QVector<QByteArray> arguments)
     {
         QVector<char *> list;
         for (QByteArray &argument : arguments)
             list += argument.data();
         list += nullptr;
-        return AuthorizationExecuteWithPrivileges(
-            authorization, tool, kAuthorizationFlagDefaults, list.data(), pipe);
-    }
-
-    /// Runs a tool to its end.
-    OSStatus run(const char *tool, QVector<QByteArray> arguments)
-    {
         FILE *pipe = nullptr;
-        const OSStatus status = start(tool, arguments, &pipe);
+        const OSStatus status = AuthorizationExecuteWithPrivileges(
+            authorization, path, kAuthorizationFlagDefaults, list.data(), &pipe);
         QFile stream;
         if (pipe && stream.open(pipe, QIODevice::ReadOnly, QFile::AutoCloseHandle))
             stream.readAll();
         return status;
     }
 
-    /// Starts a tool that can't end, as no one reads what it prints; its process id.
-    int startHangingTool(FILE **pipe)
+    OSStatus make(const QByteArray &path) { return run("/bin/mkdir", {"-m", "755", path}); }
+    OSStatus giveAway(const QByteArray &path) { return run("/usr/sbin/chown", {"-h", "0", path}); }
+
+    /// What a helper must not keep of its installer.
+    static void makeSurroundingsStrange()
     {
-        const Mount endless("/usr/bin/yes", "/bin/mkdir");
-        start("/bin/mkdir", {"-m", "755", folder}, pipe);
-        return childOf(childOf(getpid()));
+        umask(0);
+        qputenv("LD_PRELOAD_OF_A_STRANGER", "x");
+        std::signal(SIGUSR1, SIG_IGN);
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        sigaddset(&blocked, SIGUSR2);
+        sigprocmask(SIG_BLOCK, &blocked, nullptr);
+        const rlimit core{1, 1};
+        setrlimit(RLIMIT_CORE, &core);
+        [[maybe_unused]] const int inherited = dup(STDIN_FILENO);
     }
 
-    QString program(const QByteArray &script)
+    /// Forks an installer with a tool that can't end, as it reads from a FIFO that nobody writes to.
+    void startInstaller()
     {
-        const QString file = tree->file("program", "#!/bin/sh\n" + script);
-        QFile::setPermissions(file, QFile::Permissions(0x7555));
-        return file;
-    }
-
-    void giveUpRight()
-    {
-        if (authorization)
-            AuthorizationFree(std::exchange(authorization, nullptr), kAuthorizationFlagDestroyRights);
+        QCOMPARE(mkfifo(folder, 0600), 0);
+        const Mount endless("/bin/cat", "/bin/mkdir");
+        installer = fork();
+        if (installer == 0) {
+            setpgid(0, 0);
+            makeSurroundingsStrange();
+            createAuthority(&authorization);
+            // A process that holds the installer's descriptors must not keep the helper alive.
+            if (fork() == 0)
+                pause();
+            _exit(make(folder));
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(
+            proc(tool = childOf(helper = childOf(installer)), "environ").replace('\0', '|'),
+            QByteArray("PATH=/usr/sbin:/usr/bin:/sbin:/bin|LC_ALL=C|"), patience);
     }
 
 private slots:
@@ -99,12 +113,16 @@ private slots:
     {
         tree = std::make_unique<Tree>();
         folder = QFile::encodeName(tree->path("Lumetra"));
-        QCOMPARE(obtainRight(authorization), OSStatus(errAuthorizationSuccess));
+        QVERIFY(createAuthority(&authorization));
     }
 
     void cleanup()
     {
-        giveUpRight();
+        freeAuthority(&authorization);
+        if (installer > 0) {
+            kill(-installer, SIGKILL);
+            waitpid(std::exchange(installer, 0), nullptr, 0);
+        }
         QCOMPARE(childOf(getpid()), 0);
     }
 
@@ -145,8 +163,7 @@ private slots:
         const OSStatus status = run("/bin/chmod", {"0775", way + "/Lumetra"});
         const QByteArray reached = shell("find . -perm 0775");
         QTEST(reached, "reached");
-        QCOMPARE(status,
-            OSStatus(reached.isEmpty() ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess));
+        QCOMPARE(status, reached.isEmpty() ? refused : done);
     }
 
     void nothingIsMadeInTheSystemsFolders()
@@ -154,20 +171,19 @@ private slots:
         const QTemporaryDir system("/var/tmp/tst_Authorization-XXXXXX");
         QVERIFY(QFile::link(system.path(), tree->path("way")));
         for (const QString &parent : {system.path(), tree->path("way")})
-            QCOMPARE(run("/bin/mkdir", {"-m", "755", QFile::encodeName(parent + "/Lumetra")}),
-                OSStatus(errAuthorizationToolExecuteFailure));
+            QCOMPARE(make(QFile::encodeName(parent + "/Lumetra")), refused);
     }
 
     void onlyAFolderThatWasMadeHereIsGivenAway()
     {
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
-        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(make(folder), done);
+        QCOMPARE(giveAway(folder), done);
         QVERIFY(QFile::rename(folder, folder + "_0") && QDir().mkdir(folder));
-        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
+        QCOMPARE(giveAway(folder), refused);
         // An existing one isn't made by a mkdir that fails.
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
-        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
-        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder + "_0"}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(make(folder), done);
+        QCOMPARE(giveAway(folder), refused);
+        QCOMPARE(giveAway(folder + "_0"), done);
     }
 
     void whatTookTheNewFoldersPlaceIsNotGivenAway_data()
@@ -183,19 +199,17 @@ private slots:
     {
         QFETCH(const QByteArray, making);
         tree->folder("other");
-        {
-            const Mount swapped(program(making + "; /bin/mv other $1"), "/bin/mkdir");
-            QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
-        }
+        const Mount swapped(tree->program("swap", making + "; /bin/mv other $1"), "/bin/mkdir");
+        QCOMPARE(make(folder), done);
         QVERIFY(QFileInfo::exists(folder));
-        QCOMPARE(run("/usr/sbin/chown", {"-h", "0", folder}), OSStatus(errAuthorizationToolExecuteFailure));
+        QCOMPARE(giveAway(folder), refused);
     }
 
     void toolFailsOnAMissingFolderByItself()
     {
         for (const QByteArray &missing : {folder, folder + "/Lumetra"})
-            QCOMPARE(run("/bin/chmod", {"0775", missing}), OSStatus(errAuthorizationSuccess));
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder + "/Lumetra"}), OSStatus(errAuthorizationSuccess));
+            QCOMPARE(run("/bin/chmod", {"0775", missing}), done);
+        QCOMPARE(make(folder + "/Lumetra"), done);
         QVERIFY(!QFileInfo::exists(folder) && !QFileInfo::exists("/Lumetra"));
     }
 
@@ -203,131 +217,81 @@ private slots:
     {
         const Mount nothingMade("/bin/true", "/bin/mkdir"); // as when each is renamed at once
         for (int i = 0; i < 8; ++i)
-            QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationToolExecuteFailure));
+            QCOMPARE(make(folder), done);
+        QCOMPARE(make(folder), refused);
     }
 
     void tenRefusalsEndTheHelper()
     {
         for (int i = 0; i < 10; ++i)
-            QCOMPARE(run("/bin/sh", {"-c", "id"}), OSStatus(errAuthorizationToolExecuteFailure));
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationInternal));
+            QCOMPARE(run("/bin/sh", {"-c", "id"}), refused);
+        QCOMPARE(make(folder), OSStatus(errAuthorizationInternal));
         QVERIFY(!QFileInfo::exists(folder));
     }
 
-    void toolSeesNothingAndEndsWithTheRight()
+    void toolSeesNothingOfTheInstaller()
     {
-        giveUpRight();
-        const mode_t mask = umask(0);
-        qputenv("LD_PRELOAD_OF_A_STRANGER", "x");
-        std::signal(SIGUSR1, SIG_IGN);
-        rlimit core{};
-        getrlimit(RLIMIT_CORE, &core);
-        core.rlim_cur = core.rlim_max;
-        setrlimit(RLIMIT_CORE, &core);
-        sigset_t blocked;
-        sigemptyset(&blocked);
-        sigaddset(&blocked, SIGUSR2);
-        sigprocmask(SIG_BLOCK, &blocked, nullptr);
-        const int inherited = dup(STDIN_FILENO);
-        obtainRight(authorization);
-        FILE *pipe = nullptr;
-        const int tool = startHangingTool(&pipe);
-        umask(mask);
-        close(inherited);
-        std::signal(SIGUSR1, SIG_DFL);
-        sigprocmask(SIG_UNBLOCK, &blocked, nullptr);
-        QTRY_COMPARE_WITH_TIMEOUT(proc(tool, "environ"),
-            QByteArray("PATH=/usr/sbin:/usr/bin:/sbin:/bin|LC_ALL=C|").replace('|', '\0'), patience);
+        startInstaller();
         QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(tool)).symLinkTarget(), tree->path());
-        QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(childOf(getpid()))).symLinkTarget(), "/");
+        QCOMPARE(QFileInfo(QString("/proc/%1/cwd").arg(helper)).symLinkTarget(), "/");
         QVERIFY(proc(tool, "limits").simplified().contains("core file size 0 0"));
         QVERIFY(proc(tool, "status").contains("Umask:\t0022\n"));
         // But the thread library's two, which can't be reset.
         const QRegularExpression signalsAtDefault("SigBlk:\\t0{16}\\nSigIgn:\\t.{8}[08]0{7}\\n");
         QVERIFY(signalsAtDefault.match(proc(tool, "status")).hasMatch());
-        // A folder object of its own for each look: it keeps what it has listed.
-        const auto descriptors = [tool] { return QDir(QString("/proc/%1/fd").arg(tool)); };
-        QTRY_COMPARE_WITH_TIMEOUT(
-            descriptors().entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+        QTRY_COMPARE_WITH_TIMEOUT(QDir(QString("/proc/%1/fd").arg(tool))
+                                      .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
             QStringList({"0", "1", "2"}), patience);
-        QVERIFY(isAlive(tool));
-        giveUpRight();
-        QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), patience);
-        fclose(pipe);
+    }
+
+    void helperAndToolEndWithAKilledInstaller()
+    {
+        startInstaller();
+        kill(installer, SIGKILL);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            proc(helper, "cmdline").isEmpty() && proc(tool, "cmdline").isEmpty(), patience);
     }
 
     void otherProcessIsRefused()
     {
         const int child = fork();
         if (child == 0)
-            _exit(run("/bin/mkdir", {"-m", "755", folder}) == errAuthorizationToolExecuteFailure ? 0 : 1);
+            _exit(make(folder) == refused ? 0 : 1);
         int ending = -1;
         waitpid(child, &ending, 0);
         QCOMPARE(ending, 0);
         QVERIFY(!QDir(folder).exists());
-        QCOMPARE(run("/bin/mkdir", {"-m", "755", folder}), OSStatus(errAuthorizationSuccess));
+        QCOMPARE(make(folder), done);
     }
 
     void descriptorIsRefused()
     {
-        int ends[2];
-        socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends);
-        if (fork() == 0) {
-            dup2(ends[1], STDIN_FILENO);
-            execl(helperPath().c_str(), "helper", nullptr);
-        }
-        close(ends[1]);
         QByteArray packet = QByteArray("/bin/mkdir|-m|755|" + folder + "|").replace('|', '\0');
         iovec span{packet.data(), size_t(packet.size())};
         alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
         msghdr message{nullptr, 0, &span, 1, control, sizeof control, 0};
         *CMSG_FIRSTHDR(&message) = {CMSG_LEN(sizeof(int)), SOL_SOCKET, SCM_RIGHTS}; // standard input
         HelperReply reply;
-        recv(ends[0], &reply, sizeof reply, 0);
-        QVERIFY(sendmsg(ends[0], &message, 0) > 0 && recv(ends[0], &reply, sizeof reply, 0) > 0);
-        close(ends[0]);
-        wait(nullptr);
-        QCOMPARE(reply.status, OSStatus(errAuthorizationToolExecuteFailure));
+        QVERIFY(sendmsg(helperSocket(), &message, 0) > 0);
+        QVERIFY(recv(helperSocket(), &reply, sizeof reply, 0) > 0);
+        QCOMPARE(reply.status, refused);
         QVERIFY(!QFileInfo::exists(folder));
     }
 
     void helperThatHangsIsNotWaitedFor()
     {
-        giveUpRight();
+        freeAuthority(&authorization);
         // Is ready, answers with less than a reply, and stays.
         const QByteArray hanging =
             "trap '' TERM; head -c 512 /dev/zero >&0; head -c 1 <&0; echo >&0; exec sleep 30";
-        const Mount helper(program(hanging), QString::fromStdString(helperPath()));
-        obtainRight(authorization);
+        const Mount mount(tree->program("helper", hanging), QString::fromStdString(helperPath()));
+        createAuthority(&authorization);
         QCOMPARE(run("/bin/mkdir", {}), OSStatus(errAuthorizationInternal));
         const int left = childOf(getpid());
-        giveUpRight();
-        QVERIFY(isAlive(left));
+        freeAuthority(&authorization);
+        QVERIFY(!proc(left, "cmdline").isEmpty());
         kill(left, SIGKILL);
         waitpid(left, nullptr, 0);
-    }
-
-    void helperEndsWithAKilledInstaller()
-    {
-        const int installer = fork();
-        if (installer == 0) {
-            setpgid(0, 0);
-            obtainRight(authorization);
-            FILE *pipe = nullptr;
-            startHangingTool(&pipe);
-            // A process that holds the installer's descriptors must not keep the helper alive.
-            if (fork() == 0)
-                pause();
-            pause();
-        }
-        const bool haveBegun = QTest::qWaitFor([&] { return childOf(childOf(installer)) > 0; }, patience);
-        const int helper = childOf(installer), tool = childOf(helper);
-        kill(installer, SIGKILL);
-        waitpid(installer, nullptr, 0);
-        const bool haveEnded = QTest::qWaitFor([&] { return !isAlive(helper) && !isAlive(tool); }, patience);
-        kill(-installer, SIGKILL);
-        QVERIFY(haveBegun && haveEnded);
     }
 };
 
