@@ -30,23 +30,21 @@ private slots:
         QTest::addColumn<bool>("staysAfterStop");
         QTest::addColumn<bool>("staysAfterFailure");
 
-        QTest::newRow("untouched older file") << "true" << false << true << true;
-        QTest::newRow("part over the older file") << "printf half >f" << false << false << false;
-        QTest::newRow("part in its place") << "rm f; printf half >f" << false << false << false;
-        QTest::newRow("whole copy") << "cp -pf ../source/f ." << false << true << true;
-        QTest::newRow("copy without its time") << "cp ../source/f ." << false << false << true;
-        QTest::newRow("damaged, with size and time")
-            << "printf 'whole f!le' >f; touch -r ../source/f f" << false << true << false;
-        QTest::newRow("older file's size and time over it")
-            << "touch -r f t; printf 'oldex file' >f; touch -r t f" << false << false << false;
-        QTest::newRow("whole move") << "mv ../source/f ." << true << true << true;
-        QTest::newRow("move across disks, no time")
-            << "cp ../source/f .; rm ../source/f" << true << true << true;
-        QTest::newRow("part of a move") << "printf half >f" << true << false << false;
-        QTest::newRow("part of a lost source") << "printf half >f; rm ../source/f" << true << false << false;
-        QTest::newRow("copy of a lost source")
-            << "cp ../source/f .; rm ../source/f" << false << false << false;
-        QTest::newRow("a folder in its place") << "rm f; mkdir f" << false << true << true;
+        row("untouched older file", "true", false, true, true);
+        row("part over the older file", "printf half >f", false, false, false);
+        row("part in its place", "rm f; printf half >f", false, false, false);
+        row("whole copy", "cp -pf ../source/f .", false, true, true);
+        row("copy without its time", "cp ../source/f .", false, false, true);
+        row("damaged, with size and time", "printf 'whole f!le' >f; touch -r ../source/f f", false, true,
+            false);
+        row("older file's size and time over it", "touch -r f t; printf 'oldex file' >f; touch -r t f", false,
+            false, false);
+        row("whole move", "mv ../source/f .", true, true, true);
+        row("move across disks, no time", "cp ../source/f .; rm ../source/f", true, true, true);
+        row("part of a move", "printf half >f", true, false, false);
+        row("part of a lost source", "printf half >f; rm ../source/f", true, false, false);
+        row("copy of a lost source", "cp ../source/f .; rm ../source/f", false, false, false);
+        row("a folder in its place", "rm f; mkdir f", false, true, true);
     }
 
     void onlyAPartIsRemoved()
