@@ -14,7 +14,7 @@ import threading
 import time
 from pathlib import Path
 
-from .user import Unexpected
+from .user import ON_DISPLAY, Unexpected
 from .world import BUNDLE_FOLDER, BUNDLE_NAME, HOME, SCRIPTS, environment
 
 PLAIN, ADMINISTRATOR, PASSWORD = "plain", "administrator", "correct horse"
@@ -69,12 +69,12 @@ def lay(bundle, probe):
     os.environ |= settings
 
 
-def become_plain():
-    account = pwd.getpwnam(PLAIN)
-    os.initgroups(PLAIN, account.pw_gid)
-    os.setgid(account.pw_gid)
-    os.setuid(account.pw_uid)
-    os.environ["HOME"] = HOME
+def start_user(script, *arguments, **settings):
+    """Runs a script of the checkout's on a display, as the plain user."""
+    command = [*ON_DISPLAY, f"{CHECKOUT}/{script}", *arguments]
+    groups = os.getgrouplist(PLAIN, pwd.getpwnam(PLAIN).pw_gid)
+    return subprocess.Popen(command, user=PLAIN, group=PLAIN, extra_groups=groups,
+                            env=os.environ | settings | {"HOME": HOME})
 
 
 class System:

@@ -68,11 +68,13 @@ def answer(user, boxes):
         expect(user.answer_box(button), [text])
 
 
-def attended(boxes=TO_PROMPT, end=READY, prompts=1, folder=None, password=PASSWORD, asked="", said=()):
-    """All the way, with somebody who types the password, if there is one; `said` are on standard error then."""
+def attended(boxes=TO_PROMPT, end=READY, prompts=1, folder=None, password=PASSWORD, asked="", said=(), then=nothing):
+    """All the way, with somebody who types the password, if there is one. The user does `then` after the first prompt;
+    `said` are on standard error at the end."""
     def steps(user):
         agent = Agent(user.program.pid, password) if password else None
         to_prompt(user, boxes, folder)
+        then(user)
         user.wait_title(end[0])
         helpers_end()
         walks.see_end(user, end)
@@ -90,17 +92,12 @@ def helpers_end():
 
 def copy(between=nothing, folder=None, is_member=False, said=()):
     """`between` is done while the second notice stands; a member of the group admin isn't told to ask another."""
-    def steps(user):
-        agent = Agent(user.program.pid, PASSWORD)
-        to_prompt(user, TO_PROMPT[is_member:], folder)
+    def share(user):
         user.wait(user.box, "message box")
         expect(rights.helpers(), [])
         between()
         answer(user, TO_SHARING_PROMPT[is_member:])
-        walks.see_end(user, READY)
-        expect(agent.prompts, 2)
-        expect([text for text in said if text not in user.errors()], [])
-    return steps
+    return attended(TO_PROMPT[is_member:], prompts=2, folder=folder, said=said, then=share)
 
 
 def installed(_, path=DEFAULT):
@@ -109,9 +106,13 @@ def installed(_, path=DEFAULT):
     helpers_end()
 
 
-def installed_for_all(system):
+def shared(system):
     installed(system)
     expect((owner(PARENT), owner(DEFAULT)), (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
+
+
+def installed_for_all(system):
+    shared(system)
     authpriv_notice = "<85>"
     asking = f"user {pwd.getpwnam(PLAIN).pw_uid} runs "
     runs = [line.partition(asking)[2] for line in system.log if asking in line and line.startswith(authpriv_notice)]
@@ -261,6 +262,7 @@ CASES = {
     "link_for_picked_folder": Case(copy(lambda: lay_link(PICKED, SECRET), PICKED, said=MISLED), disc_with_own_folder, kept),
     "link_for_shared_folder": Case(copy(lambda: lay_link(DEFAULT, f"{SECRET}/Lumetra"), is_member=True, said=MISLED[1:]),
                                    library_of_members, kept),
+    "others_shared_folder": Case(attended(), lambda: folder(PARENT, group="staff"), shared),
     "no_admin_group": Case(attended(), lambda: rights.run("groupdel", "admin"), installed_for_own_group),
     "own_destination": Case(attended(TO_SHARING_PROMPT, folder=HOME),
                             after=lambda system: installed(system, f"{HOME}/Lumetra")),

@@ -5,11 +5,11 @@ import shutil
 import subprocess
 from pathlib import Path
 
-from rights_cases import PARENT, folder, nothing
+from rights_cases import PARENT, folder
 from sandbox import rights
 from sandbox.rights import Agent, BUNDLE, PASSWORD, PLAIN
 from sandbox.world import HOME
-from walks import DEFAULT, expect, owner
+from walks import expect
 
 
 class Probe:
@@ -30,7 +30,6 @@ class Probe:
 def shared_folders():
     without_rights()
     with_failing_tools()
-    with_rights()
 
 
 def without_rights():
@@ -75,13 +74,3 @@ def with_failing_tools():
     resource(3)
     Path(f"{tools}/chgrp.whole").rename(f"{tools}/chgrp")
     os.chmod(f"{tools}/mkdir", 0o755)
-
-
-def with_rights():
-    probe = Probe(PASSWORD)
-    for before in (nothing, lambda: folder(PARENT, group="staff")):
-        before()
-        probe.expect(0, "verify", PARENT, "Lumetra")
-        expect((owner(PARENT), owner(DEFAULT)), (("root", "admin", 0o775), (PLAIN, "admin", 0o775)))
-        shutil.rmtree(PARENT)
-    expect(probe.agent.prompts, 1)
