@@ -109,7 +109,9 @@ void HelperFolders::remember(const Descriptor &parent, const std::string &name)
     std::error_code failure;
     const bool isEmpty = std::filesystem::is_empty("/proc/self/fd/" + std::to_string(folder.get()), failure);
     const struct stat status = statusOf(folder);
-    if (isEmpty && status.st_uid == 0 && status.st_gid == 0)
+    // A parent with the set-group-ID bit, and any on some disks, gives its group to what is made in it.
+    const bool isOfGroup = status.st_gid == 0 || status.st_gid == statusOf(parent).st_gid;
+    if (isEmpty && status.st_uid == 0 && isOfGroup)
         made.push_back(std::move(folder));
 }
 

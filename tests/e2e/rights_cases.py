@@ -157,6 +157,11 @@ def disc_with_own_folder():
     os.chmod(folder(f"{SECRET}/Lumetra"), 0o700)
 
 
+def disc_of_group():
+    """What is made on it gets the disc's group, not root's."""
+    rights.mount("tmpfs", folder(DISC), "-t", "tmpfs", "-o", "mode=2755,gid=staff")
+
+
 def library_of_members():
     small_library()
     rights.run("usermod", "--append", "--groups", "admin", PLAIN)
@@ -256,8 +261,8 @@ def folder(path, user="root", group="root"):
 CASES = {
     "move": Case(attended(asked=SENTENCE), install_policy, installed_for_all),
     "copy": Case(copy(), small_library, installed_for_all),
-    "copy_to_folder": Case(copy(folder=DISC), lambda: rights.mount("tmpfs", folder(DISC), "-t", "tmpfs", "-o", "mode=755"),
-                           lambda _: expect(owner(f"{DISC}/Lumetra"), (PLAIN, "admin", 0o775))),
+    "copy_to_folder": Case(copy(folder=DISC), disc_of_group,
+                           lambda _: expect(owner(f"{DISC}/Lumetra"), (PLAIN, "admin", 0o2775))),
     "link_for_folder": Case(copy(lay_link_in_picked, PICKED, said=MISLED), disc_with_own_folder, kept),
     "link_for_picked_folder": Case(copy(lambda: lay_link(PICKED, SECRET), PICKED, said=MISLED), disc_with_own_folder, kept),
     "link_for_shared_folder": Case(copy(lambda: lay_link(DEFAULT, f"{SECRET}/Lumetra"), is_member=True, said=MISLED[1:]),
