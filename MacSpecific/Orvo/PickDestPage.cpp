@@ -18,6 +18,7 @@
 #include <QWizard>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 
@@ -35,15 +36,30 @@ public:
     ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
 };
 
-bool exists(const QString &path)
+/// 0 when the user can access the path like that, or the error.
+int accessError(const QString &path, int mode)
 {
-    return limited::access(path.toStdString(), F_OK) == 0;
+    const std::string name = path.toStdString();
+    return limited::access(name, mode) == 0 ? 0 : errno;
 }
 
 /// Whether the folder holds an unfinished installation that this user can go on with.
 bool canBeFinished(const QString &folder)
 {
-    return exists(unfinishedMark(folder)) && limited::access(folder.toStdString(), W_OK) == 0;
+    return accessError(unfinishedMark(folder), F_OK) == 0 && accessError(folder, W_OK) == 0;
+}
+
+/// The database's folder in `parent`: the first that doesn't exist or isn't finished. Empty when the disk
+/// doesn't answer, because then a finished one may lie there.
+QString destinationIn(const QString &parent)
+{
+    const QString base = parent + QLatin1Char('/');
+    const QString name = QStringLiteral("Lumetra");
+    QString candidate = base + name;
+    int error = 0;
+    for (int n = 0; (error = accessError(candidate, F_OK)) == 0 && !canBeFinished(candidate); ++n)
+        candidate = QStringLiteral("%1%2_%3").arg(base, name, QString::number(n));
+    return error == ETIMEDOUT ? QString() : candidate;
 }
 
 /// A folder that exists already, on the file system that the destination will be on.
@@ -148,12 +164,10 @@ void PickDestPage::chooseDestination()
             qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
     if (folder.isEmpty() || wizard()->currentPage() != this)
         return;
-    const QString base = folder + QLatin1Char('/');
-    const QString name = QStringLiteral("Lumetra");
-    QString candidate = base + name;
-    for (int n = 0; exists(candidate) && !canBeFinished(candidate); ++n)
-        candidate = QStringLiteral("%1%2_%3").arg(base, name, QString::number(n));
-    showDestination(candidate);
+    const QString path = destinationIn(folder);
+    if (path.isEmpty())
+        return;
+    showDestination(path);
     if (auto *next = qobject_cast<QPushButton *>(wizard()->button(QWizard::NextButton)))
         next->setDefault(true);
 }
