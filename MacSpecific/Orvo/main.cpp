@@ -3,6 +3,8 @@
 
 #include <QApplication>
 
+#include <csignal>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,11 +21,20 @@ void completeStandardStreams()
     close(descriptor);
 }
 
+/// Lets through what the starter held back: without SIGCHLD no tool would ever seem to end.
+void unblockSignals()
+{
+    sigset_t none;
+    sigemptyset(&none);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
     completeStandardStreams();
+    unblockSignals();
     QApplication application(argc, argv);
     TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::requested, &QApplication::closeAllWindows);

@@ -5,6 +5,7 @@ code.
 """
 
 import os
+import signal
 import subprocess
 import sys
 import time
@@ -33,9 +34,9 @@ class User:
     def __init__(self, pictures=None):
         self.pictures = pictures
         environment = os.environ | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
-        # New files closed to others, as careful users set it, and no standard input, as careless launchers leave it.
+        # New files closed to others, as careful users set it.
         self.program = subprocess.Popen([PROGRAM], env=environment, stderr=open("/tmp/stderr", "w"), umask=0o077,
-                                        preexec_fn=lambda: os.close(0))
+                                        preexec_fn=_start_carelessly)
         # Qt joins only an accessibility bus that starts after it does, so its window must show first.
         self.wait(_display_windows, "a window")
         global pyatspi
@@ -212,6 +213,11 @@ def go(steps, pictures=None):
     finally:
         print(user.errors(), end="", file=sys.stderr, flush=True)
         user.close()
+
+
+def _start_carelessly():
+    os.close(0)
+    signal.pthread_sigmask(signal.SIG_BLOCK, signal.valid_signals())
 
 
 def _is(item, state):
