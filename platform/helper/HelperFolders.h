@@ -14,8 +14,8 @@ public:
     /// there is no folder. Don't use what comes with a refusal.
     Descriptor open(const std::string &path, unsigned kinds, uid_t caller, std::string &refusal) const;
 
-    /// Remembers the folder that mkdir just made in `parent`, and counts it. One that isn't empty, root's, and
-    /// of root's group or the parent's has been swapped in, and is only counted.
+    /// Remembers the folder that mkdir just made in `parent`, and counts it. One that isn't empty, root's,
+    /// and of root's group or the parent's has been swapped in, and is only counted.
     void remember(const Descriptor &parent, const std::string &name);
 
 private:
