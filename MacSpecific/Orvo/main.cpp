@@ -21,9 +21,11 @@ void completeStandardStreams()
     close(descriptor);
 }
 
-/// Lets through what the starter held back: without SIGCHLD no tool would ever seem to end.
-void unblockSignals()
+/// Takes back what the starter did to signals: with SIGCHLD blocked or ignored, no tool would ever seem to
+/// end, or each would seem to have crashed.
+void resetSignals()
 {
+    std::signal(SIGCHLD, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
     pthread_sigmask(SIG_SETMASK, &none, nullptr);
@@ -34,7 +36,7 @@ void unblockSignals()
 int main(int argc, char *argv[])
 {
     completeStandardStreams();
-    unblockSignals();
+    resetSignals();
     QApplication application(argc, argv);
     TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::requested, &QApplication::closeAllWindows);

@@ -217,6 +217,7 @@ def go(steps, pictures=None):
 
 def _start_carelessly():
     os.close(0)
+    signal.signal(signal.SIGCHLD, signal.SIG_IGN)
     signal.pthread_sigmask(signal.SIG_BLOCK, signal.valid_signals())
 
 
