@@ -53,6 +53,7 @@ bool canBeFinished(const QString &folder)
 /// doesn't answer, because then a finished one may lie there.
 QString destinationIn(const QString &parent)
 {
+    const WaitCursor cursor;
     const QString base = parent + QLatin1Char('/');
     const QString name = QStringLiteral("Lumetra");
     QString candidate = base + name;
