@@ -27,6 +27,7 @@ class tst_PickDestPage : public QObject {
     /// What df answers from now on, which counts whatever its exit code.
     void setRoom(int megabytes) const
     {
+        QFile::remove(tools.path("asked"));
         const QByteArray line = "d 9 9 " + QByteArray::number(megabytes * 1024);
         tools.program("df", "printf %s \"$*\" >${0%df}asked; echo h; echo " + line + "; exit 1");
     }

@@ -19,7 +19,8 @@ class Probe:
         self._process = subprocess.Popen([f"{BUNDLE}/Contents/MacOS/probe", "-platform", "offscreen"], text=True,
                                          stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                          user=PLAIN, group=PLAIN, extra_groups=[])
-        self.agent = Agent(self._process.pid, password, as_plain=True) if password else None
+        if password:
+            Agent(self._process.pid, password, as_plain=True)
 
     def expect(self, code, *words):
         self._process.stdin.write("\t".join(words) + "\n")

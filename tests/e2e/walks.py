@@ -195,7 +195,7 @@ def keyboard(user):
 
 
 def find_source(user):
-    """The keys alone lead to a folder that holds the database, past one that doesn't."""
+    """A folder that holds the database is found past one that doesn't, mostly with the keys."""
     name = "R&D %1 %2 é " + 200 * "W"
     database.make(Path(HOME, name), 9_000_000)
     content = database.content(Path(HOME, name))
