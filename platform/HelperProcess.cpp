@@ -90,8 +90,12 @@ OSStatus HelperProcess::start(const std::string &prompt)
     OSStatus status = errAuthorizationInternal;
     if (process > 0)
         status = awaitReady(endSignals, messages, prompt);
-    if (status != errAuthorizationSuccess)
+    if (status != errAuthorizationSuccess) {
+        // Ends pkexec while it asks. A helper that is ready ends with the socket, and is root's to signal.
+        if (process > 0)
+            kill(process, SIGTERM);
         stop();
+    }
     return status;
 }
 
@@ -144,8 +148,6 @@ void HelperProcess::stop()
     shutdown(socket.get(), SHUT_RDWR);
     socket.reset();
     if (process > 0) {
-        // Reaches pkexec while it asks; the helper itself ends with the socket.
-        kill(process, SIGTERM);
         isReadable(endOf(process).get(), endLimit);
         waitpid(process, nullptr, WNOHANG);
         process = -1;
