@@ -112,6 +112,11 @@ int limited::stat(const std::string &path, struct stat &status)
     return statusWithinLimit(::stat, path, status);
 }
 
+int limited::unlink(const std::string &path)
+{
+    return withinLimit([=] { return ::unlink(path.c_str()); });
+}
+
 bool limited::mountedDevice(const std::string &path, char (&name)[MountedDeviceNameSize])
 {
     struct Name {

@@ -19,6 +19,7 @@ int chown(const std::string &path, uid_t user, gid_t group);
 int lstat(const std::string &path, struct stat &status);
 int mkdir(const std::string &path, mode_t mode);
 int stat(const std::string &path, struct stat &status);
+int unlink(const std::string &path);
 
 bool mountedDevice(const std::string &path, char (&name)[MountedDeviceNameSize]);
 

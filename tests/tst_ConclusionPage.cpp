@@ -1,8 +1,10 @@
 #include "Fixture.h"
 
 #include "ConclusionPage.h"
+#include "CopyThread.h"
 #include "InstallState.h"
 #include "PickDestPage.h"
+#include "UnfinishedMark.h"
 
 #include <QProgressBar>
 
@@ -79,6 +81,21 @@ private slots:
         QCOMPARE(page->title(), "Database was not installed");
         QTEST(page->subTitle(), "shown");
         QVERIFY(!asked);
+    }
+
+    /// The worker is done, but the page hasn't heard of it yet.
+    void stopAfterTheLastFileLeavesTheFolderMarked()
+    {
+        const Tree tree;
+        sCopyFiles = false;
+        sResultList = {QFileInfo(tree.file("source/a.zqin"))};
+        show(tree.folder("destination"));
+        QMetaObject::invokeMethod(page, "doCopy");
+        QVERIFY(page->findChild<CopyThread *>()->wait(patience));
+        QVERIFY(page->stopInstallation());
+        QTRY_COMPARE_WITH_TIMEOUT(page->subTitle(), "Cancel was pressed.", patience);
+        QVERIFY(QFile::exists(tree.path("destination/a.zqin")));
+        QVERIFY(QFile::exists(unfinishedMark(tree.path("destination"))));
     }
 };
 

@@ -5,6 +5,7 @@
 #include "InstallState.h"
 #include "PageIds.h"
 #include "PageText.h"
+#include "UnfinishedMark.h"
 #include "computecontrol/CorvaneInstallUtils.h"
 #include "core/KeepAwake.h"
 #include "core/LimitedCalls.h"
@@ -231,6 +232,8 @@ void ConclusionPage::handleResult()
     if (stage == Stopped)
         resultSet(errAuthorizationCanceled, QString());
     if (errCode == 0) {
+        // Here and not in the worker, as a stop could still come after its end.
+        limited::unlink(unfinishedMark(path).toStdString());
         recordDestination();
     } else {
         setTitle(tr("Database was not installed"));

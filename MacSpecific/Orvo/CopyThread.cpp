@@ -72,8 +72,6 @@ void CopyThread::unpriviledgedCopy()
         emit copyResult(0, QString());
         emit copiedFile(++done);
     }
-    if (!isInterruptionRequested())
-        removeUnfinishedMark(path);
 }
 
 /// Runs the tool for one file. Returns false if it failed, which it reports, or was interrupted.

@@ -7,7 +7,8 @@ class QProcess;
 
 /// Puts the files of sResultList into the destination folder on a thread of its own, running the copy or move
 /// tool once per file, until the list is done, a file fails or the thread is interrupted. An interruption
-/// ends a running copy at once but gives a running move 30 seconds to finish.
+/// ends a running copy at once but gives a running move 30 seconds to finish. Marks the folder as unfinished;
+/// whoever knows the outcome takes the mark away.
 class CopyThread : public QThread {
     Q_OBJECT
 

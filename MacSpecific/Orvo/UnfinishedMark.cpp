@@ -14,8 +14,3 @@ void markUnfinished(const QString &folder)
     if (mark.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         mark.write("The Lumetra database in this folder is not complete. Run the installer again.\n");
 }
-
-void removeUnfinishedMark(const QString &folder)
-{
-    QFile::remove(unfinishedMark(folder));
-}

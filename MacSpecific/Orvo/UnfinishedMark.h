@@ -9,6 +9,3 @@ QString unfinishedMark(const QString &folder);
 
 /// Marks the folder, if the user can write to it. Any thread; takes as long as the disk.
 void markUnfinished(const QString &folder);
-
-/// Removes the mark, if there is one. Any thread; takes as long as the disk.
-void removeUnfinishedMark(const QString &folder);
