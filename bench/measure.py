@@ -65,7 +65,7 @@ class Bench:
         return results
 
     def compare(self, figure, measured, *references, turns=None):
-        """Adds a row for each reference, a tuple of its name, the ratio's goal (None: for information) and what runs it."""
+        """Adds a row for each reference, (name, goal of the ratio or None, what runs it)."""
         results = self.in_turn(measured, *(run for _, _, run in references), turns=turns)
         for i, (against, goal, _) in enumerate(references, 1):
             self.rows.append(Row(figure, against, [result[0] / result[i] for result in results], goal))
@@ -154,7 +154,8 @@ class Bench:
         self.rows.append(Row("longest gap of the event loop", ", ".join(walks), gaps, 50, " ms", worst=True))
 
     def start(self):
-        given = programs.ROOT / "resources/images/Orvo_DVD_Artwork.png", programs.BUNDLE / "Contents/Resources/LicenseAgreement.html"
+        given = (programs.ROOT / "resources/images/Orvo_DVD_Artwork.png",
+                 programs.BUNDLE / "Contents/Resources/LicenseAgreement.html")
         turns = self.in_turn(lambda: programs.start(programs.INSTALLER), lambda: programs.start(programs.BARE, *given),
                              lambda: programs.start(programs.BARE))
         for figure, key in (("start until the window shows", "seconds"), ("memory of the started wizard", "resident")):

@@ -22,5 +22,6 @@ configure_file(metainfo.xml.in ${metainfo} @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${metainfo}" DESTINATION share/metainfo COMPONENT bundle)
 
 configure_file(manual-page.in ${command}.1 @ONLY)
-execute_process(COMMAND gzip -9nf ${command}.1 WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}" COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND gzip -9nf ${command}.1 WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
+    COMMAND_ERROR_IS_FATAL ANY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${command}.1.gz" DESTINATION share/man/man1 COMPONENT bundle)

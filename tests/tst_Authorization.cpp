@@ -29,11 +29,10 @@ static int childOf(int parent)
 /// This process's end of the connection to the helper: it has no other socket of that kind.
 static int helperSocket()
 {
-    int number = -1, type = 0;
-    socklen_t size = sizeof type;
-    while (type != SOCK_SEQPACKET)
-        getsockopt(++number, SOL_SOCKET, SO_TYPE, &type, &size);
-    return number;
+    int number = 0, type = 0;
+    for (socklen_t size = sizeof type; number < 1024 && type != SOCK_SEQPACKET; ++number)
+        getsockopt(number, SOL_SOCKET, SO_TYPE, &type, &size);
+    return number - 1;
 }
 
 /// The helper as it is when this process is root and no one has to be asked.

@@ -57,7 +57,8 @@ def open_session(bundle, pictures, source=None):
         pictures.mkdir(exist_ok=True)
         for old in pictures.glob("*.png"):
             old.unlink()
-        status = subprocess.call(world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT, writable={pictures: PICTURES_INSIDE}))
+        user = world.command(*ON_DISPLAY, "/usr/bin/python3", SCRIPT, writable={pictures: PICTURES_INSIDE})
+        status = subprocess.call(user)
         print(f"Pictures of the pages are in {pictures}.")
     if status:
         raise Unexpected(f"the installer ended with status {status}")

@@ -42,8 +42,9 @@ def without_rights():
     rights.mount(disk, disk, "-o", "remount,bind,ro")
     probe = Probe()
     for code, *call in (
-            (0, "scope", "0"), (0, "fixup", "/nowhere"), (3, "product", f"{roots}/x"), (5, "resource", f"{roots}/x", "y"),
-            (0, "scope", "1"), (1, "fixup", "/nowhere"), (2, "fixup", "/etc/passwd"), (2, "verify", "/etc", "passwd"),
+            (0, "scope", "0"), (0, "fixup", "/nowhere"), (3, "product", f"{roots}/x"),
+            (5, "resource", f"{roots}/x", "y"), (0, "scope", "1"), (1, "fixup", "/nowhere"),
+            (2, "fixup", "/etc/passwd"), (2, "verify", "/etc", "passwd"),
             (4, "fixup", strangers), (6, "fixup", groups),
             (1, "verify", "/etc/passwd/x", "y"), (1, "verify", own, "y" * 300), (1, "verify", own, "y" * 4095),
             # Nobody can be asked; the reference that is left holds no rights.

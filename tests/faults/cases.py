@@ -79,10 +79,12 @@ FAULTS = (
     Case("HOME unset", limits="exec env -u HOME"),
     at_third("messages unread", '/opt/real/cp "$@"; echo careful >&2; exit', SAID + "careful\n$",
              limits="mkfifo /tmp/f; exec 3<>/tmp/f 2>/tmp/f 3<&-; exec"),
-    at_third("descriptors exhausted", "prlimit --pid $PPID --nofile=6", FAILED + "/bin/cp: (failed to start|unknown error)"),
+    at_third("descriptors exhausted", "prlimit --pid $PPID --nofile=6",
+             FAILED + "/bin/cp: (failed to start|unknown error)"),
     Case("no process for systemd-inhibit", failing="fork:2:11", outcome=NO_RECORD, limits=AS_PLAIN_USER["limits"],
          setup=AS_PLAIN_USER["setup"] + "; chmod 666 /opt/count"),
-    at_third("no process left", "prlimit --pid $PPID --nproc=1", FAILED + r"/bin/cp: failed to start\.$", **AS_PLAIN_USER),
+    at_third("no process left", "prlimit --pid $PPID --nproc=1", FAILED + r"/bin/cp: failed to start\.$",
+             **AS_PLAIN_USER),
 )
 
 # Nearly a minute of waiting, so that these run beside other tests.
