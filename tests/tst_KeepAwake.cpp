@@ -11,10 +11,11 @@ class tst_KeepAwake : public QObject {
     Tree tree;
 
     QByteArray started() const { return contentsOf(tree.path("started")); }
-    /// Whether the process that holds the inhibition lives: one that only waits to be reaped has no command.
+    /// Whether the process that holds the inhibition lives, and doesn't only wait to be reaped.
     bool isAwake() const
     {
-        return !contentsOf("/proc/" + started().split(' ').first() + "/cmdline").isEmpty();
+        const QByteArray state = contentsOf("/proc/" + started().split(' ').first() + "/stat");
+        return !state.isEmpty() && !state.contains(") Z ");
     }
 
 private slots:
