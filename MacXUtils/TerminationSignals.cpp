@@ -51,8 +51,10 @@ TerminationSignals::TerminationSignals()
     connect(notifier, &QSocketNotifier::activated, this, &TerminationSignals::announce);
     for (int number : endingSignals)
         setHandler(number, noteSignal);
-    // A closed standard error is no reason to leave an installation half done.
-    setHandler(SIGPIPE, SIG_IGN);
+    // A closed standard error, or a log at the limit of a file's size, is no reason to leave an installation
+    // half done.
+    for (int number : {SIGPIPE, SIGXFSZ})
+        setHandler(number, SIG_IGN);
 }
 
 TerminationSignals::~TerminationSignals()

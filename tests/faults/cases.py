@@ -68,6 +68,9 @@ FAULTS = (
     Case("df can't be started", df="exit 0", setup="chmod 644 /opt/df", outcome=NO_ROOM),
     Case("log on a full disk", setup=f"""ln -s /dev/full /root/log
         exec /opt/Installer/Contents/Helpers/defaults write {LOG_SWITCH} driver_LogLocation /root/log"""),
+    Case("log at the limit of a file's size", move=True, limits="ulimit -f 1; exec", setup=f"""
+        head -c 512 /dev/zero >/root/log
+        exec /opt/Installer/Contents/Helpers/defaults write {LOG_SWITCH} driver_LogLocation /root/log"""),
     Case("log's place is no text", setup=f"""mkdir -p {os.path.dirname(LOG_SWITCH)}
         echo '<plist><dict><key>driver_LogLocation</key><array/></dict></plist>' >{LOG_SWITCH}.plist"""),
     Case("source without data files", files=0, outcome=NO_DATA),
