@@ -162,9 +162,7 @@ void ConclusionPage::doCopy()
         return;
     stage = Running;
     gSystemScope = true;
-    if (prepareDestination() && stage == Running)
-        startCopying();
-    else
+    if (!prepareDestination() || stage != Running || !startCopying())
         handleResult();
 }
 
@@ -208,7 +206,7 @@ bool ConclusionPage::makePickedFolder(const std::string &folder)
     return privileged;
 }
 
-void ConclusionPage::startCopying()
+bool ConclusionPage::startCopying()
 {
     copyThread = new CopyThread(this, path);
     connect(copyThread, &CopyThread::finished, this, &ConclusionPage::handleResult);
@@ -218,7 +216,10 @@ void ConclusionPage::startCopying()
     progressBar->setFormat(QStringLiteral("%v of %m"));
     moveBar(0); // shows "0 of ..." while the first file, perhaps a large one, is under way
     keepAwake = std::make_unique<KeepAwake>();
-    copyThread->start(QThread::InheritPriority);
+    if (startWorker(copyThread))
+        return true;
+    resultSet(installationFailed, QStringLiteral("The installation failed to start."));
+    return false;
 }
 
 void ConclusionPage::handleResult()

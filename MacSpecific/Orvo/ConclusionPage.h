@@ -41,7 +41,7 @@ private slots:
 private:
     bool prepareDestination();
     bool makePickedFolder(const std::string &folder);
-    void startCopying();
+    bool startCopying();
     void giveUpWorker();
     void recordDestination();
     bool fixupPrivileges();

@@ -2,6 +2,12 @@
 
 #include <QThread>
 
+bool startWorker(QThread *worker)
+{
+    worker->start(QThread::InheritPriority);
+    return worker->isRunning() || worker->isFinished();
+}
+
 void endWorker(QThread *worker, int limit)
 {
     worker->requestInterruption();

@@ -117,9 +117,9 @@ void SourcePage::chooseSource()
         return;
     const QString folder = QFileDialog::getExistingDirectory(this,
         QStringLiteral("Select Database directory"), qEnvironmentVariable("HOME"), QFileDialog::ShowDirsOnly);
+    showStatus(QStringLiteral("Scanning..."));
     if (!folder.isEmpty())
         startScan(folder, &SourcePage::customDBSourceLocation);
-    showStatus(QStringLiteral("Scanning..."));
 }
 
 void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
@@ -129,7 +129,8 @@ void SourcePage::startScan(const QString &folder, ResultSlot resultSlot)
     setCursor(Qt::BusyCursor);
     sizeThread = new SizeThread(this, folder);
     connect(sizeThread, &SizeThread::pathSize, this, resultSlot);
-    sizeThread->start(QThread::InheritPriority);
+    if (!startWorker(sizeThread))
+        (this->*resultSlot)(folder, 0);
 }
 
 void SourcePage::showStatus(const QString &text, const QString &name)

@@ -88,6 +88,8 @@ FAULTS = (
          setup=AS_PLAIN_USER["setup"] + "; chmod 666 /opt/count"),
     at_third("no process left", "prlimit --pid $PPID --nproc=1", FAILED + r"/bin/cp: failed to start\.$",
              **AS_PLAIN_USER),
+    Case("no thread left", df="prlimit --pid $PPID --nproc=1; printf 'h\\n/d 9 1 9999999 1% /\\n'",
+         outcome=FAILED + "The installation failed to start", **AS_PLAIN_USER),
 )
 
 # Nearly a minute of waiting, so that these run beside other tests.
@@ -99,7 +101,7 @@ if os.geteuid() != 0:
     FAULTS = tuple(case for case in FAULTS if "setpriv" not in case.limits)
 # The sanitizers themselves need a pipe for each of their checks, and a process to look for leaks.
 if os.environ.get("PATIENCE", "1") != "1":
-    FAULTS = tuple(case for case in FAULTS if "prlimit" not in case.cp and not case.failing)
+    FAULTS = tuple(case for case in FAULTS if "prlimit" not in case.cp + case.df and not case.failing)
 
 LONG_RUN = Case("long run", files=100, size=2000, state="random", means="button")
 STALLS = (Case("200,000 files scanned", empty=200_000, state="destination", means="close", outcome="Select", gap=100),
