@@ -81,8 +81,8 @@ const State states[] = {
     {"5-failed", 3, true,
         [](QWizardPage *page) {
             failed(page, -100,
-                "cp: cannot create regular file '/Volumes/Backup/" + longName
-                    + "/Lumetra/a.zqimage': No space left on device");
+                "Error message is:\ncp: cannot create regular file '/Volumes/Backup/" + longName
+                    + QString("/deep").repeated(110) + "/Lumetra/a.zqimage': No space left on device");
         }},
 };
 

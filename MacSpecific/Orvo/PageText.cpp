@@ -12,6 +12,8 @@
 namespace {
 
 constexpr int mostLines = 4;
+/// For a message that has the page to itself.
+constexpr int mostLinesAlone = 10;
 constexpr int narrowestColumn = 300;
 /// Characters of a text to lay out, since finding line breaks is slow: two paths of the greatest length and
 /// what a tool says of them.
@@ -52,8 +54,8 @@ QString plain(QString text)
     return text;
 }
 
-/// `text` shortened to fit the page's text column.
-QString shortened(const QString &text, const QWizardPage *page)
+/// `text` shortened to fit so many lines of the page's text column.
+QString shortened(const QString &text, const QWizardPage *page, int lines)
 {
     const QFontMetrics metrics = page->fontMetrics();
     const int column = std::max(page->window()->minimumWidth() - besidePageText, narrowestColumn);
@@ -65,8 +67,10 @@ QString shortened(const QString &text, const QWizardPage *page)
         if (word != text.end())
             fitted += *word++;
     }
-    // Line breaks have no width in the metrics.
-    return metrics.elidedText(fitted, Qt::ElideMiddle, mostLines * column);
+    // Line breaks have no width in the metrics, so only a few may stay.
+    if (fitted.count(QLatin1Char('\n')) >= lines)
+        fitted.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return metrics.elidedText(fitted, Qt::ElideMiddle, lines * column);
 }
 
 /// The text to show. The page keeps the whole text as its accessible description, and a shortened name as its
@@ -74,7 +78,8 @@ QString shortened(const QString &text, const QWizardPage *page)
 QString fitted(QWizardPage *page, const QString &text, const QString &name)
 {
     const QString laidOut = name.left(longestShown);
-    const QString shown = shortened(laidOut, page);
+    const int lines = text == QLatin1String("%1") ? mostLinesAlone : mostLines;
+    const QString shown = shortened(laidOut, page, lines);
     page->setToolTip(shown == name ? QString() : plain(inLines(laidOut, page->window()->minimumWidth())));
     const bool takesName = text.contains(QLatin1String("%1"));
     page->setAccessibleDescription(takesName ? text.arg(name.left(longestSpoken)) : text);
