@@ -3,10 +3,13 @@
 #include "ConclusionPage.h"
 #include "CopyThread.h"
 #include "InstallState.h"
+#include "MacXUtils/TerminationSignals.h"
 #include "PickDestPage.h"
 #include "UnfinishedMark.h"
 
 #include <QProgressBar>
+
+#include <csignal>
 
 class tst_ConclusionPage : public QObject {
     Q_OBJECT
@@ -96,6 +99,18 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(page->subTitle(), "Cancel was pressed.", patience);
         QVERIFY(QFile::exists(tree.path("destination/a.zqin")));
         QVERIFY(QFile::exists(unfinishedMark(tree.path("destination"))));
+    }
+
+    /// The event loop hasn't run since. Last, because the request can't be taken back.
+    void requestToEndWhileTheFolderIsPreparedStartsNoCopy()
+    {
+        const Tree tree;
+        const TerminationSignals handlers;
+        show(tree.folder("destination"));
+        raise(SIGTERM);
+        QMetaObject::invokeMethod(page, "doCopy");
+        QCOMPARE(page->subTitle(), "Cancel was pressed.");
+        QVERIFY(!page->findChild<CopyThread *>());
     }
 };
 

@@ -3,6 +3,7 @@
 #include "CopyThread.h"
 #include "EndWorker.h"
 #include "InstallState.h"
+#include "MacXUtils/TerminationSignals.h"
 #include "PageIds.h"
 #include "PageText.h"
 #include "UnfinishedMark.h"
@@ -162,7 +163,11 @@ void ConclusionPage::doCopy()
         return;
     stage = Running;
     gSystemScope = true;
-    if (!prepareDestination() || stage != Running || !startCopying())
+    const bool isPrepared = prepareDestination();
+    // A request to end that came during a tool's run waits for the event loop.
+    if (TerminationSignals::received())
+        stopInstallation();
+    if (!isPrepared || stage != Running || !startCopying())
         handleResult();
 }
 
