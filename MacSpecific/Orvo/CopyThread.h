@@ -24,7 +24,7 @@ signals:
     /// The number of files done so far.
     void copiedFile(int index);
     /// The result so far, replacing the one before: 0 after each file; -100, with the text to show, before
-    /// the first file and after a failure. An interruption emits none.
+    /// the first file and after a failure. An interruption itself emits none.
     void copyResult(int errCode, QString errMsg);
 
 protected:

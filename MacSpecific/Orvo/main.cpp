@@ -21,8 +21,8 @@ void completeStandardStreams()
     close(descriptor);
 }
 
-/// Takes back what the starter did to signals: with SIGCHLD blocked or ignored, no tool would ever seem to
-/// end, or each would seem to have crashed.
+/// Unblocks all signals and stops ignoring SIGCHLD, which a process inherits from its starter. Otherwise no
+/// tool would ever seem to end, or each would seem to have crashed.
 void resetSignals()
 {
     std::signal(SIGCHLD, SIG_DFL);
