@@ -30,7 +30,12 @@ public:
         QTimer::singleShot(0, this, &User::look);
     }
 
-    QElapsedTimer sinceStop;
+    /// Milliseconds since the stop, -1 without one; not counted is how long threads of this process could
+    /// have run since, and others did instead.
+    qint64 sinceStop() const
+    {
+        return stopped.isValid() ? qMax(0LL, stopped.elapsed() - waitedSinceStop / 1000000) : -1;
+    }
 
     /// What the page shows, or showed last: a wizard that was left has none.
     QJsonObject seen() const
@@ -48,24 +53,35 @@ private:
     // Every look is a timer of its own, so that the boxes that it opens are looked at too.
     void look()
     {
-        longestGap = qMax(longestGap, lastLook.elapsed() - (waitForProcessor() - waitedBefore));
+        longestGap = qMax(longestGap, lastLook.elapsed() - (waitOf("thread-self") - waitedBefore) / 1000000);
         if (wizard.currentPage())
             lastPage = wizard.currentId();
         QTimer::singleShot(5, this, &User::look);
-        if (!sinceStop.isValid() && reached())
+        if (stopped.isValid() && answer < 0)
+            countWaits();
+        if (!stopped.isValid() && reached())
             stop();
         else if (!acceptBox() && !QApplication::activeModalWidget() && wizard.isVisible())
             walk();
-        if (sinceStop.isValid() && answer < 0 && (!wizard.isVisible() || ended()))
-            answer = sinceStop.elapsed();
+        if (stopped.isValid() && answer < 0 && (!wizard.isVisible() || ended()))
+            answer = sinceStop();
         lastLook.restart();
-        waitedBefore = waitForProcessor();
+        waitedBefore = waitOf("thread-self");
     }
 
-    /// How long this thread could have run and others did instead, in milliseconds.
-    static qint64 waitForProcessor()
+    /// How long the thread could have run and others did instead, in nanoseconds.
+    static qint64 waitOf(const QString &thread)
     {
-        return contentsOf("/proc/thread-self/schedstat").split(' ').value(1).toLongLong() / 1000000;
+        return contentsOf("/proc/" + thread + "/schedstat").split(' ').value(1).toLongLong();
+    }
+
+    void countWaits()
+    {
+        for (const QString &thread : QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            const qint64 wait = waitOf("self/task/" + thread);
+            waitedSinceStop += wait - waits.value(thread, wait);
+            waits[thread] = wait;
+        }
     }
 
     bool ended() const { return wizard.currentId() == 3 && wizard.currentPage()->isComplete(); }
@@ -90,7 +106,8 @@ private:
 
     void stop()
     {
-        sinceStop.start();
+        countWaits();
+        stopped.start();
         if (means == "button")
             wizard.button(ended() ? QWizard::FinishButton : QWizard::CancelButton)->click();
         else if (means == "escape")
@@ -140,6 +157,9 @@ private:
     qint64 longestGap = 0;
     QElapsedTimer lastLook;
     qint64 waitedBefore = 0;
+    QElapsedTimer stopped;
+    QHash<QString, qint64> waits;
+    qint64 waitedSinceStop = 0;
     bool begun = false;
     /// The page that was last left, or has refused to be.
     int passed = -1;
@@ -162,7 +182,7 @@ int main(int argc, char *argv[])
     const int status = QApplication::exec();
     QJsonObject report = user.seen();
     wizard.reset();
-    report["left"] = user.sinceStop.isValid() ? user.sinceStop.elapsed() : -1;
+    report["left"] = user.sinceStop();
     QTextStream(stdout) << QJsonDocument(report).toJson();
     return status;
 }
