@@ -62,7 +62,8 @@ void copyLogLocation(const std::string &key, char *location, CFIndex size)
 }
 
 /// Like fopen with "a+", but never blocks: a FIFO without a reader fails to open, and lines are lost while
-/// one is full. Write-only, because opening a FIFO for reading too would make this process its reader.
+/// one is full. Write-only, because opening a FIFO for reading too would make this process its reader. On
+/// macOS /dev/stderr is standard error itself, and blocks where that does.
 FILE *openForAppending(const char *path)
 {
     // Standard error may be a file, where the program's messages would overwrite the log's.

@@ -45,6 +45,8 @@ private slots:
     {
         QFETCH(bool, isRead);
         QFETCH(bool, byStandardError);
+        if (byStandardError && !QFile::exists("/proc/self"))
+            QSKIP("here /dev/stderr waits as standard error does");
         const QByteArray path = QFile::encodeName(tree.path("fifo"));
         QFile::remove(path);
         QCOMPARE(mkfifo(path, 0600), 0);
