@@ -81,6 +81,16 @@ private slots:
         QCOMPARE(offered(), folder + '/' + name);
     }
 
+    void othersUnfinishedFolderIsLeftAlone()
+    {
+        const Tree tree;
+        tree.file(unfinishedMark("Lumetra"));
+        if (chown(QFile::encodeName(tree.path("Lumetra")), 65534, 65534) != 0)
+            QSKIP("only root can make another user's folder");
+        pickFolder(page, tree.path());
+        QCOMPARE(offered(), tree.path("Lumetra_0"));
+    }
+
     void proposalComesBackWithThePage()
     {
         pickFolder(page, "/");
