@@ -66,6 +66,8 @@ private slots:
         row("parent is gone", "gone/L", start + "write the database to the selected location.");
         row("name is too long", QString(300, 'x'), start + "write the database to the selected location.");
         row("a file is in its place", "file", start + "access the selected location.");
+        if (geteuid() == 0)
+            row("stranger's", "stranger's", start + "write the database to the selected location.");
     }
 
     /// No rights would help, so none are asked for, and no tool is run.
@@ -74,6 +76,7 @@ private slots:
         QFETCH(QString, name);
         const Tree tree;
         tree.file("file");
+        [[maybe_unused]] const int status = chown(tree.folder("stranger's").toUtf8(), 65534, 65534);
         sResultList = {QFileInfo(tree.file("source/a.zqin"))};
         show(tree.path(name));
         bool asked = false;

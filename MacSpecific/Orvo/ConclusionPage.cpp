@@ -182,9 +182,10 @@ bool ConclusionPage::prepareDestination()
     const QString noAccess =
         QStringLiteral("Lumetra Database Installer was not able to access the selected location.");
     const std::string folder = path.toStdString();
-    if (limited::access(folder, W_OK) != 0) {
+    const bool isShared = path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive);
+    if (limited::access(folder, W_OK) != 0 || (!isShared && belongsToStranger(path))) {
         gPrivilegeReason = privilegeReason("install the database in the selected location.");
-        if (path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive)) {
+        if (isShared) {
             privileged = true;
             if (verifyResourceDirectory(productFolder, "Lumetra") != 0)
                 return failed(noAccess);
@@ -203,8 +204,10 @@ bool ConclusionPage::prepareDestination()
 bool ConclusionPage::makePickedFolder(const std::string &folder)
 {
     umask(022); // as for the files: all users must be able to read them
-    if (limited::mkdir(folder, 0755) == 0 || errno == EEXIST)
+    if (limited::mkdir(folder, 0755) == 0)
         return true;
+    if (errno == EEXIST)
+        return !belongsToStranger(path);
     if (errno != EACCES && errno != EPERM)
         return false;
     privileged = createPickedDirectory(folder.c_str());

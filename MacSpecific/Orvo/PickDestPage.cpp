@@ -22,7 +22,6 @@
 #include <cstring>
 #include <limits>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -44,14 +43,11 @@ int accessError(const QString &path, int mode)
     return limited::access(name, mode) == 0 ? 0 : errno;
 }
 
-/// Whether the folder holds an unfinished installation that this user can go on with. Another user's may be a
-/// trap, with links in the places of files.
+/// Whether the folder holds an unfinished installation that this user can go on with.
 bool canBeFinished(const QString &folder)
 {
-    struct stat status;
     return accessError(unfinishedMark(folder), F_OK) == 0 && accessError(folder, W_OK) == 0
-        && limited::lstat(folder.toStdString(), status) == 0
-        && (status.st_uid == getuid() || status.st_uid == 0);
+        && !belongsToStranger(folder);
 }
 
 /// The database's folder in `parent`: the first that doesn't exist or isn't finished. Empty when the disk
