@@ -54,23 +54,27 @@ QString plain(QString text)
     return text;
 }
 
-/// `text` shortened to fit so many lines of the page's text column.
+/// `text` shortened to fit so many lines of the page's text column. As many line breaks as half of them stay,
+/// further ones become blanks.
 QString shortened(const QString &text, const QWizardPage *page, int lines)
 {
     const QFontMetrics metrics = page->fontMetrics();
     const int column = std::max(page->window()->minimumWidth() - besidePageText, narrowestColumn);
     QString fitted;
+    int breaks = 0;
     for (auto word = text.begin(); word != text.end();) {
         const auto end = std::find_if(word, text.end(), mayBreakAfter);
         fitted += metrics.elidedText(QString(word, int(end - word)), Qt::ElideMiddle, column);
         word = end;
-        if (word != text.end())
-            fitted += *word++;
+        if (word == text.end())
+            break;
+        QChar separator = *word++;
+        if (separator == QLatin1Char('\n') && ++breaks > lines / 2)
+            separator = QLatin1Char(' ');
+        fitted += separator;
     }
-    // Line breaks have no width in the metrics, so only a few may stay.
-    if (fitted.count(QLatin1Char('\n')) >= lines)
-        fitted.replace(QLatin1Char('\n'), QLatin1Char(' '));
-    return metrics.elidedText(fitted, Qt::ElideMiddle, lines * column);
+    // Line breaks have no width in the metrics.
+    return metrics.elidedText(fitted, Qt::ElideMiddle, (lines - std::min(breaks, lines / 2)) * column);
 }
 
 /// The text to show. The page keeps the whole text as its accessible description, and a shortened name as its
