@@ -281,3 +281,9 @@ bool createPickedDirectory(const char *path)
         || runOrLog("/usr/sbin/chown", {"-h", owner(gAdminGid), path},
             "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n");
 }
+
+bool belongsToStranger(const char *path)
+{
+    struct stat status;
+    return limited::lstat(path, status) == 0 && status.st_uid != getuid() && status.st_uid != 0;
+}

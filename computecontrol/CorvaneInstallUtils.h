@@ -51,3 +51,7 @@ int32_t verifyResourceDirectory(const char *parent, const char *name);
 /// One that exists, and a link, stay as they are. False when the user can't look there, there is no
 /// authorization or a tool can't be started.
 bool createPickedDirectory(const char *path);
+
+/// Whether the folder, or a link in its place, belongs to neither this user nor root. It may be a trap, with
+/// links in the places of files. False when there is none, or when its disk takes 5 seconds to say.
+bool belongsToStranger(const char *path);

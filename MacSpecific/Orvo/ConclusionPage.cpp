@@ -183,7 +183,7 @@ bool ConclusionPage::prepareDestination()
         QStringLiteral("Lumetra Database Installer was not able to access the selected location.");
     const std::string folder = path.toStdString();
     const bool isShared = path.startsWith(QLatin1String(productFolder), Qt::CaseInsensitive);
-    if (limited::access(folder, W_OK) != 0 || (!isShared && belongsToStranger(path))) {
+    if (limited::access(folder, W_OK) != 0 || (!isShared && belongsToStranger(folder.c_str()))) {
         gPrivilegeReason = privilegeReason("install the database in the selected location.");
         if (isShared) {
             privileged = true;
@@ -207,7 +207,7 @@ bool ConclusionPage::makePickedFolder(const std::string &folder)
     if (limited::mkdir(folder, 0755) == 0)
         return true;
     if (errno == EEXIST)
-        return !belongsToStranger(path);
+        return !belongsToStranger(folder.c_str());
     if (errno != EACCES && errno != EPERM)
         return false;
     privileged = createPickedDirectory(folder.c_str());

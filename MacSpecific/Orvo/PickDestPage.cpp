@@ -7,6 +7,7 @@
 #include "PageText.h"
 #include "SourcePage.h"
 #include "UnfinishedMark.h"
+#include "computecontrol/CorvaneInstallUtils.h"
 #include "computecontrol/DfProcess.h"
 #include "core/LimitedCalls.h"
 
@@ -47,7 +48,7 @@ int accessError(const QString &path, int mode)
 bool canBeFinished(const QString &folder)
 {
     return accessError(unfinishedMark(folder), F_OK) == 0 && accessError(folder, W_OK) == 0
-        && !belongsToStranger(folder);
+        && !belongsToStranger(folder.toStdString().c_str());
 }
 
 /// The database's folder in `parent`: the first that doesn't exist or isn't finished. Empty when the disk

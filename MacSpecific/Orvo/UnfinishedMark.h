@@ -9,7 +9,3 @@ QString unfinishedMark(const QString &folder);
 
 /// Marks the folder, if the user can write to it. Any thread; takes as long as the disk.
 void markUnfinished(const QString &folder);
-
-/// Whether the folder, or a link in its place, belongs to neither this user nor root. It may be a trap, with
-/// links in the places of files. False when there is none. Main thread only; takes 5 seconds at the most.
-bool belongsToStranger(const QString &folder);
