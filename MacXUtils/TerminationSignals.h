@@ -4,9 +4,9 @@
 
 class QSocketNotifier;
 
-/// Turns SIGTERM, SIGINT and SIGHUP, which end a session, into the signal requested(), and ignores SIGPIPE.
-/// One object, made on the main thread after the application object; a signal that the process was started to
-/// ignore stays ignored.
+/// Turns SIGTERM, SIGINT and SIGHUP, which end a session, into the signal requested(), and ignores SIGPIPE
+/// and SIGXFSZ. One object, made on the main thread after the application object; a signal that the process
+/// was started to ignore stays ignored.
 class TerminationSignals : public QObject {
     Q_OBJECT
 
