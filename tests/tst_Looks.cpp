@@ -74,15 +74,25 @@ const State states[] = {
     {"2-source-empty", 0, true, [](QWizardPage *page) { scanned(page, longName, 0); }},
     {"3-destination", 2, false, [](QWizardPage *) {}},
     {"3-destination-long-path", 2, true,
-        [](QWizardPage *page) { pickFolder(page, Tree().folder(longName + QString("/deep").repeated(60))); }},
+        [](QWizardPage *page) {
+            // A carriage return breaks a line in a label, too.
+            const QString deep = QString("/deep").repeated(60) + '/' + QString("a\r").repeated(60);
+            pickFolder(page, Tree().folder(longName + deep));
+        }},
     {"4-install-begun", 3, false, [](QWizardPage *page) { running(page, 12); }},
     {"4-install-full", 3, false, [](QWizardPage *page) { running(page, 1200); }},
     {"5-cancelled", 3, false, [](QWizardPage *page) { failed(page, -60006, {}); }},
     {"5-failed", 3, true,
         [](QWizardPage *page) {
             failed(page, -100,
-                "Error message is:\ncp: cannot create regular file '/Volumes/Backup/" + longName
-                    + QString("/deep").repeated(110) + "/Lumetra/a.zqimage': No space left on device");
+                "cp: cannot create regular file '/Volumes/Backup/" + longName
+                    + "/Lumetra/a.zqimage': No space left on device");
+        }},
+    {"5-failed-deep", 3, false,
+        [](QWizardPage *page) {
+            const QString deep = ('/' + QString(13, 'W')).repeated(60);
+            failed(
+                page, -100, "Error message is:\ncp: cannot read '" + deep + "': No such file or directory");
         }},
 };
 

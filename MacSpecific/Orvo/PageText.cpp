@@ -11,9 +11,10 @@
 
 namespace {
 
-constexpr int mostLines = 4;
-/// For a message that has the page to itself.
-constexpr int mostLinesAlone = 10;
+/// Lines of text for which every page has room in the smallest window.
+constexpr int mostLines = 10;
+/// Fills a screen of 768 points in a doubled font.
+constexpr int mostLinesOfToolTip = 16;
 constexpr int narrowestColumn = 300;
 /// Characters of a text to lay out, since finding line breaks is slow: two paths of the greatest length and
 /// what a tool says of them.
@@ -22,16 +23,22 @@ constexpr int longestShown = 2 * 4096 + 512;
 /// accessibility bus.
 constexpr int longestSpoken = 65536;
 
-bool mayBreakAfter(QChar character)
+/// Whether a line may end between the two. No line begins with a digit after a slash.
+bool mayBreak(QChar character, QChar next)
 {
-    return character == QLatin1Char('/') || character.isSpace();
+    return character.isSpace() || (character == QLatin1Char('/') && !next.isDigit());
 }
 
-/// `text` in lines of at most `width` pixels. A tool tip doesn't break words, so in a large font it would
-/// reach beyond the screen.
-QString inLines(const QString &text, int width)
+/// Pixels that a line of the page's text has in the smallest window.
+int columnOf(const QWizardPage *page)
 {
-    QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), QToolTip::font());
+    return std::max(page->window()->minimumWidth() - besidePageText, narrowestColumn);
+}
+
+/// `text` in lines of at most `width` pixels. Those that it breaks itself end in its line breaks.
+QStringList linesOf(const QString &text, const QFont &font, int width)
+{
+    QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
@@ -39,10 +46,10 @@ QString inLines(const QString &text, int width)
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
-        lines << layout.text().mid(line.textStart(), line.textLength()).remove(QChar::LineSeparator);
+        lines << text.mid(line.textStart(), line.textLength());
     }
     layout.endLayout();
-    return lines.join(QLatin1Char('\n'));
+    return lines;
 }
 
 /// `text` with an invisible character after "<" and "&", so that a tool tip doesn't take it for markup.
@@ -54,37 +61,54 @@ QString plain(QString text)
     return text;
 }
 
-/// `text` shortened to fit so many lines of the page's text column. As many line breaks as half of them stay,
-/// further ones become blanks.
-QString shortened(const QString &text, const QWizardPage *page, int lines)
+/// The lines, or the first and last of them when they are more than `most`.
+QString withoutMiddle(const QStringList &lines, int most, const QString &separator)
+{
+    if (lines.size() <= most)
+        return lines.join(separator);
+    return lines.mid(0, most / 2).join(separator) + QChar(0x2026)
+        + lines.mid(lines.size() - most / 2).join(separator);
+}
+
+/// `text` as a tool tip, which doesn't break words: in a large font it would reach beyond the screen.
+QString toolTip(const QString &text, int width)
+{
+    QStringList lines = linesOf(text, QToolTip::font(), width);
+    lines.replaceInStrings(QStringLiteral("\n"), QString());
+    return plain(withoutMiddle(lines, mostLinesOfToolTip, QStringLiteral("\n")));
+}
+
+/// `text` shortened to fit so many lines of the page's text. The mark of what is left out may take one more.
+QString shortened(const QString &text, const QWizardPage *page, int most)
 {
     const QFontMetrics metrics = page->fontMetrics();
-    const int column = std::max(page->window()->minimumWidth() - besidePageText, narrowestColumn);
+    const int column = columnOf(page);
     QString fitted;
-    int breaks = 0;
-    for (auto word = text.begin(); word != text.end();) {
-        const auto end = std::find_if(word, text.end(), mayBreakAfter);
-        fitted += metrics.elidedText(QString(word, int(end - word)), Qt::ElideMiddle, column);
-        word = end;
-        if (word == text.end())
+    const QChar *const end = text.constData() + text.size(); // where a null character stands
+    for (const QChar *next = text.constData(); next != end; ++next) {
+        const QChar *const word = next;
+        while (next != end && !mayBreak(next[0], next[1]))
+            ++next;
+        fitted += metrics.elidedText(QString(word, int(next - word)), Qt::ElideMiddle, column);
+        if (next == end)
             break;
-        QChar separator = *word++;
-        if (separator == QLatin1Char('\n') && ++breaks > lines / 2)
-            separator = QLatin1Char(' ');
-        fitted += separator;
+        fitted += *next;
     }
-    // Line breaks have no width in the metrics.
-    return metrics.elidedText(fitted, Qt::ElideMiddle, (lines - std::min(breaks, lines / 2)) * column);
+    return withoutMiddle(linesOf(fitted, page->font(), column), most, QString());
 }
 
 /// The text to show. The page keeps the whole text as its accessible description, and a shortened name as its
 /// tool tip.
 QString fitted(QWizardPage *page, const QString &text, const QString &name)
 {
-    const QString laidOut = name.left(longestShown);
-    const int lines = text == QLatin1String("%1") ? mostLinesAlone : mostLines;
-    const QString shown = shortened(laidOut, page, lines);
-    page->setToolTip(shown == name ? QString() : plain(inLines(laidOut, page->window()->minimumWidth())));
+    QString laidOut = name.left(longestShown);
+    // A label breaks lines at more characters than the one that is counted here.
+    std::replace_if(
+        laidOut.begin(), laidOut.end(),
+        [](QChar each) { return each.isSpace() && each != QLatin1Char('\n'); }, QLatin1Char(' '));
+    const auto others = linesOf(QString(text).remove(QLatin1String("%1")), page->font(), columnOf(page));
+    const QString shown = shortened(laidOut, page, std::max(mostLines - int(others.size()), 2));
+    page->setToolTip(shown == name ? QString() : toolTip(laidOut, page->window()->minimumWidth()));
     const bool takesName = text.contains(QLatin1String("%1"));
     page->setAccessibleDescription(takesName ? text.arg(name.left(longestSpoken)) : text);
     return takesName ? text.arg(shown) : text;
