@@ -30,12 +30,7 @@ public:
         QTimer::singleShot(0, this, &User::look);
     }
 
-    /// Milliseconds since the stop, -1 without one; not counted is how long threads of this process could
-    /// have run since, and others did instead.
-    qint64 sinceStop() const
-    {
-        return stopped.isValid() ? qMax(0LL, stopped.elapsed() - waitedSinceStop / 1000000) : -1;
-    }
+    QElapsedTimer sinceStop;
 
     /// What the page shows, or showed last: a wizard that was left has none.
     QJsonObject seen() const
@@ -53,35 +48,24 @@ private:
     // Every look is a timer of its own, so that the boxes that it opens are looked at too.
     void look()
     {
-        longestGap = qMax(longestGap, lastLook.elapsed() - (waitOf("thread-self") - waitedBefore) / 1000000);
+        longestGap = qMax(longestGap, lastLook.elapsed() - (waitForProcessor() - waitedBefore));
         if (wizard.currentPage())
             lastPage = wizard.currentId();
         QTimer::singleShot(5, this, &User::look);
-        if (stopped.isValid() && answer < 0)
-            countWaits();
-        if (!stopped.isValid() && reached())
+        if (!sinceStop.isValid() && reached())
             stop();
         else if (!acceptBox() && !QApplication::activeModalWidget() && wizard.isVisible())
             walk();
-        if (stopped.isValid() && answer < 0 && (!wizard.isVisible() || ended()))
-            answer = sinceStop();
+        if (sinceStop.isValid() && answer < 0 && (!wizard.isVisible() || ended()))
+            answer = sinceStop.elapsed();
         lastLook.restart();
-        waitedBefore = waitOf("thread-self");
+        waitedBefore = waitForProcessor();
     }
 
-    /// How long the thread could have run and others did instead, in nanoseconds.
-    static qint64 waitOf(const QString &thread)
+    /// How long this thread could have run and others did instead, in milliseconds.
+    static qint64 waitForProcessor()
     {
-        return contentsOf("/proc/" + thread + "/schedstat").split(' ').value(1).toLongLong();
-    }
-
-    void countWaits()
-    {
-        for (const QString &thread : QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            const qint64 wait = waitOf("self/task/" + thread);
-            waitedSinceStop += wait - waits.value(thread, wait);
-            waits[thread] = wait;
-        }
+        return contentsOf("/proc/thread-self/schedstat").split(' ').value(1).toLongLong() / 1000000;
     }
 
     bool ended() const { return wizard.currentId() == 3 && wizard.currentPage()->isComplete(); }
@@ -106,8 +90,7 @@ private:
 
     void stop()
     {
-        countWaits();
-        stopped.start();
+        sinceStop.start();
         if (means == "button")
             wizard.button(ended() ? QWizard::FinishButton : QWizard::CancelButton)->click();
         else if (means == "escape")
@@ -157,9 +140,6 @@ private:
     qint64 longestGap = 0;
     QElapsedTimer lastLook;
     qint64 waitedBefore = 0;
-    QElapsedTimer stopped;
-    QHash<QString, qint64> waits;
-    qint64 waitedSinceStop = 0;
     bool begun = false;
     /// The page that was last left, or has refused to be.
     int passed = -1;
@@ -182,7 +162,7 @@ int main(int argc, char *argv[])
     const int status = QApplication::exec();
     QJsonObject report = user.seen();
     wizard.reset();
-    report["left"] = user.sinceStop();
+    report["left"] = user.sinceStop.isValid() ? user.sinceStop.elapsed() : -1;
     QTextStream(stdout) << QJsonDocument(report).toJson();
     return status;
 }
