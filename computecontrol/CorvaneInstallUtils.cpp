@@ -273,7 +273,8 @@ bool createPickedDirectory(const char *path)
     if ((!exists && errno != ENOENT) || !haveAuthority())
         return false;
     if (!runOrLog("/bin/mkdir", {"-m", octal(0755), path},
-            "doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n"))
+            "doCopy: runCommandWithAuthority(/bin/mkdir %s %s %s) failed\n")
+        || belongsToStranger(path))
         return false;
     // mkdir ran as root, but cp and mv run as the user, so the user gets a new folder. One that existed keeps
     // its owner, and -h spares the target of a link that took its place.

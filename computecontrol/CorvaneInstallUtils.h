@@ -49,9 +49,9 @@ int32_t verifyResourceDirectory(const char *parent, const char *name);
 
 /// Creates the folder at `path` as the superuser, mode 0755, and gives it to the user and the group "admin".
 /// One that exists, and a link, stay as they are. False when the user can't look there, there is no
-/// authorization or a tool can't be started.
+/// authorization, a tool can't be started or a stranger's folder is in the place.
 bool createPickedDirectory(const char *path);
 
 /// Whether the folder, or a link in its place, belongs to neither this user nor root. It may be a trap, with
-/// links in the places of files. False when there is none, or when its disk takes 5 seconds to say.
+/// links in the places of files. False when that can't be found out within 5 seconds.
 bool belongsToStranger(const char *path);
