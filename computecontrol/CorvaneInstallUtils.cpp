@@ -283,6 +283,13 @@ bool createPickedDirectory(const char *path)
             "doCopy: runCommandWithAuthority(/usr/sbin/chown %s %s %s) failed\n");
 }
 
+bool canBeFilled(const char *path)
+{
+    struct stat status;
+    return limited::stat(path, status) == 0 && S_ISDIR(status.st_mode)
+        && limited::access(path, W_OK | X_OK) == 0;
+}
+
 bool belongsToStranger(const char *path)
 {
     struct stat status;

@@ -52,6 +52,9 @@ int32_t verifyResourceDirectory(const char *parent, const char *name);
 /// authorization, a tool can't be started or a stranger's folder is in the place.
 bool createPickedDirectory(const char *path);
 
+/// Whether it is a folder that the user can write to.
+bool canBeFilled(const char *path);
+
 /// Whether the folder, or a link in its place, belongs to neither this user nor root. It may be a trap, with
 /// links in the places of files. False when that can't be found out within 5 seconds.
 bool belongsToStranger(const char *path);

@@ -1,12 +1,12 @@
 #include "ConclusionPage.h"
 
 #include "CopyThread.h"
-#include "EndWorker.h"
 #include "InstallState.h"
 #include "MacXUtils/TerminationSignals.h"
 #include "PageIds.h"
 #include "PageText.h"
 #include "UnfinishedMark.h"
+#include "Workers.h"
 #include "computecontrol/CorvaneInstallUtils.h"
 #include "core/KeepAwake.h"
 #include "core/LimitedCalls.h"
@@ -44,14 +44,6 @@ QString privilegeReason(const char *purpose)
                           "You will be asked to provide the name and password "
                           "of a user that has administrative capabilities for this computer.")
         .arg(QLatin1String(purpose));
-}
-
-/// Whether `folder` is a folder that the user can write to.
-bool canBeFilled(const std::string &folder)
-{
-    struct stat status;
-    return limited::stat(folder, status) == 0 && S_ISDIR(status.st_mode)
-        && limited::access(folder, W_OK | X_OK) == 0;
 }
 
 /// Black or white, whichever stands out more from `colour`.
@@ -197,7 +189,7 @@ bool ConclusionPage::prepareDestination()
         if (gMacAuthorizationRef && !sCopyFiles)
             freeAuthority(&gMacAuthorizationRef);
     }
-    return canBeFilled(folder) || failed(noAccess);
+    return canBeFilled(folder.c_str()) || failed(noAccess);
 }
 
 /// Asks for administrator rights only if they would help.

@@ -2,10 +2,10 @@
 
 #include "ButtonRow.h"
 #include "DecimalUnits.h"
-#include "EndWorker.h"
 #include "PageIds.h"
 #include "PageText.h"
 #include "SizeThread.h"
+#include "Workers.h"
 #include "core/GetPathName.h"
 #include "core/LimitedCalls.h"
 

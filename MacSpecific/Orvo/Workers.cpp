@@ -1,4 +1,4 @@
-#include "EndWorker.h"
+#include "Workers.h"
 
 #include <QThread>
 
