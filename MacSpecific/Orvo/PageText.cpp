@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QFontMetrics>
 #include <QLabel>
+#include <QTextBoundaryFinder>
 #include <QTextLayout>
 #include <QToolTip>
 #include <QWizardPage>
@@ -22,12 +23,6 @@ constexpr int longestShown = 2 * 4096 + 512;
 /// Characters for a screen reader: more than any tool has to say, and far less than would block the
 /// accessibility bus.
 constexpr int longestSpoken = 65536;
-
-/// Whether a line may end between the two. No line begins with a digit after a slash.
-bool mayBreak(QChar character, QChar next)
-{
-    return character.isSpace() || (character == QLatin1Char('/') && !next.isDigit());
-}
 
 /// Pixels that a line of the page's text has in the smallest window.
 int columnOf(const QWizardPage *page)
@@ -66,7 +61,7 @@ QString withoutMiddle(const QStringList &lines, int most, const QString &separat
 {
     if (lines.size() <= most)
         return lines.join(separator);
-    return lines.mid(0, most / 2).join(separator) + QChar(0x2026)
+    return lines.mid(0, most / 2).join(separator) + separator + QChar(0x2026) + separator
         + lines.mid(lines.size() - most / 2).join(separator);
 }
 
@@ -83,17 +78,18 @@ QString shortened(const QString &text, const QWizardPage *page, int most)
 {
     const QFontMetrics metrics = page->fontMetrics();
     const int column = columnOf(page);
+    QTextBoundaryFinder breaks(QTextBoundaryFinder::Line, text);
     QString fitted;
-    const QChar *const end = text.constData() + text.size(); // where a null character stands
-    for (const QChar *next = text.constData(); next != end; ++next) {
-        const QChar *const word = next;
-        while (next != end && !mayBreak(next[0], next[1]))
-            ++next;
-        fitted += metrics.elidedText(QString(word, int(next - word)), Qt::ElideMiddle, column);
-        if (next == end)
-            break;
-        fitted += *next;
+    int word = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        breaks.setPosition(i + 1);
+        // No line ends after every slash: not before a digit, for one.
+        if (!text[i].isSpace() && !(text[i] == QLatin1Char('/') && breaks.isAtBoundary()))
+            continue;
+        fitted += metrics.elidedText(text.mid(word, i - word), Qt::ElideMiddle, column) + text[i];
+        word = i + 1;
     }
+    fitted += metrics.elidedText(text.mid(word), Qt::ElideMiddle, column);
     return withoutMiddle(linesOf(fitted, page->font(), column), most, QString());
 }
 
@@ -108,7 +104,9 @@ QString fitted(QWizardPage *page, const QString &text, const QString &name)
         [](QChar each) { return each.isSpace() && each != QLatin1Char('\n'); }, QLatin1Char(' '));
     const auto others = linesOf(QString(text).remove(QLatin1String("%1")), page->font(), columnOf(page));
     const QString shown = shortened(laidOut, page, std::max(mostLines - int(others.size()), 2));
-    page->setToolTip(shown == name ? QString() : toolTip(laidOut, page->window()->minimumWidth()));
+    page->setToolTip(shown == laidOut && shown.size() == name.size()
+            ? QString()
+            : toolTip(laidOut, page->window()->minimumWidth()));
     const bool takesName = text.contains(QLatin1String("%1"));
     page->setAccessibleDescription(takesName ? text.arg(name.left(longestSpoken)) : text);
     return takesName ? text.arg(shown) : text;
